@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+// The robot-side service: tells of every call, treats it as the rules say, or else behaves.
+#ifndef MURLINK_SIMULATOR_ROBOT_SERVICE_H
+#define MURLINK_SIMULATOR_ROBOT_SERVICE_H
+
+#include <atomic>
+
+#include "Quarlo_RB_Server.grpc.pb.h"
+#include "Simulation.h"
+
+namespace simulator {
+
+class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
+ public:
+  explicit RobotService(Simulation& simulation) : simulation_(simulation) {}
+
+  grpc::Status service_On(grpc::ServerContext* context, const IntMessage* request,
+                          StatusResponse* response) override;
+  grpc::Status service_Off(grpc::ServerContext* context, const IntMessage* request,
+                           StatusResponse* response) override;
+  grpc::Status program_run(grpc::ServerContext* context, const IntMessage* request,
+                           StatusResponse* response) override;
+  grpc::Status program_stop(grpc::ServerContext* context, const IntMessage* request,
+                            StatusResponse* response) override;
+
+ private:
+  Simulation& simulation_;
+  std::atomic<int> calls_{0};
+
+  grpc::Status serve(const char* rpc, grpc::ServerContext& context, int feature,
+                     StatusResponse& response);
+};
+
+}  // namespace simulator
+
+#endif

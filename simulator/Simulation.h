@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the peers and the commands share.
+#ifndef MURLINK_SIMULATOR_SIMULATION_H
+#define MURLINK_SIMULATOR_SIMULATION_H
+
+#include "Ending.h"
+#include "Journal.h"
+#include "Robot.h"
+#include "Rules.h"
+
+namespace simulator {
+
+struct Simulation {
+  Simulation(std::ostream& out, Journal::Format format) : journal(out, format) {}
+
+  Journal journal;
+  Ending ending;
+  Rules rules;
+  Robot robot;
+};
+
+}  // namespace simulator
+
+#endif

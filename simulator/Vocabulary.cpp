@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Vocabulary.h"
+
+#include <charconv>
+#include <cmath>
+#include <sstream>
+
+namespace simulator {
+namespace {
+
+// True when the whole word is a number that fits.
+template <typename Number>
+bool readNumber(std::string_view word, Number& number) {
+  const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+  return error == std::errc() && end == word.data() + word.size();
+}
+
+bool endsWith(std::string_view word, std::string_view ending) {
+  return word.size() >= ending.size() && word.substr(word.size() - ending.size()) == ending;
+}
+
+}  // namespace
+
+const Words<int>& features() {
+  static const Words<int> words{{"gesture", 1}, {"foot-touch", 2}};
+  return words;
+}
+
+const Words<grpc::StatusCode>& failures() {
+  using grpc::StatusCode;
+  static const Words<StatusCode> words{
+      {"CANCELLED", StatusCode::CANCELLED},
+      {"UNKNOWN", StatusCode::UNKNOWN},
+      {"INVALID_ARGUMENT", StatusCode::INVALID_ARGUMENT},
+      {"DEADLINE_EXCEEDED", StatusCode::DEADLINE_EXCEEDED},
+      {"NOT_FOUND", StatusCode::NOT_FOUND},
+      {"ALREADY_EXISTS", StatusCode::ALREADY_EXISTS},
+      {"PERMISSION_DENIED", StatusCode::PERMISSION_DENIED},
+      {"RESOURCE_EXHAUSTED", StatusCode::RESOURCE_EXHAUSTED},
+      {"FAILED_PRECONDITION", StatusCode::FAILED_PRECONDITION},
+      {"ABORTED", StatusCode::ABORTED},
+      {"OUT_OF_RANGE", StatusCode::OUT_OF_RANGE},
+      {"UNIMPLEMENTED", StatusCode::UNIMPLEMENTED},
+      {"INTERNAL", StatusCode::INTERNAL},
+      {"UNAVAILABLE", StatusCode::UNAVAILABLE},
+      {"DATA_LOSS", StatusCode::DATA_LOSS},
+      {"UNAUTHENTICATED", StatusCode::UNAUTHENTICATED},
+  };
+  return words;
+}
+
+const std::vector<std::string_view>& robotRpcs() {
+  static const std::vector<std::string_view> names{"service_On", "service_Off", "program_run",
+                                                   "program_stop"};
+  return names;
+}
+
+std::string featureName(int feature) {
+  const std::string_view name = nameOf(features(), feature);
+  return name.empty() ? std::to_string(feature) : std::string(name);
+}
+
+std::string failureName(grpc::StatusCode status) {
+  return std::string(nameOf(failures(), status));
+}
+
+std::string durationText(std::chrono::milliseconds duration) {
+  std::ostringstream text;
+  if (duration < std::chrono::seconds(1)) {
+    text << duration.count() << "ms";
+  } else {
+    text << std::chrono::duration<double>(duration).count() << "s";
+  }
+  return text.str();
+}
+
+int parseFeature(std::string_view word) {
+  if (const int* feature = find(features(), word)) {
+    return *feature;
+  }
+  int number = 0;
+  if (readNumber(word, number)) {
+    return number;
+  }
+  expected("a feature (" + alternatives(namesOf(features())) + ", or a number)", word);
+}
+
+grpc::StatusCode parseFailure(std::string_view word) {
+  if (const grpc::StatusCode* status = find(failures(), word)) {
+    return *status;
+  }
+  int number = 0;
+  if (readNumber(word, number) && number >= 1 && number <= 16) {
+    return static_cast<grpc::StatusCode>(number);
+  }
+  expected("a gRPC status (" + alternatives(namesOf(failures())) + ", or 1 to 16)", word);
+}
+
+std::chrono::milliseconds parseDuration(std::string_view word) {
+  using Milliseconds = std::chrono::duration<double, std::milli>;
+  const std::string_view unit = endsWith(word, "ms") ? "ms" : "s";
+  double number = -1;
+  if (endsWith(word, unit) && readNumber(word.substr(0, word.size() - unit.size()), number)) {
+    const Milliseconds duration(unit == "ms" ? number : number * 1000);
+    if (duration >= Milliseconds::zero() && duration <= std::chrono::hours(1)) {
+      return std::chrono::milliseconds(std::lround(duration.count()));
+    }
+  }
+  expected("a duration (such as 250ms or 1.5s, one hour at most)", word);
+}
+
+int parseNumber(std::string_view word, std::string_view what) {
+  int number = 0;
+  if (readNumber(word, number)) {
+    return number;
+  }
+  expected(std::string(what) + " (a whole number)", word);
+}
+
+std::string alternatives(const std::vector<std::string_view>& words) {
+  std::string text;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    text += i == 0 ? "" : i + 1 == words.size() ? " or " : ", ";
+    text += words[i];
+  }
+  return text;
+}
+
+void expected(std::string_view what, std::string_view word) {
+  throw Misunderstood("expected " + std::string(what) + ", found " +
+                      (word.empty() ? "the end of the line" : "\"" + std::string(word) + "\""));
+}
+
+}  // namespace simulator

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "RobotChannel.h"
+
+#include <grpc/grpc.h>
+#include <grpcpp/create_channel.h>
+#include <grpcpp/security/credentials.h>
+
+#include <mutex>
+
+std::string robot_server_address;
+std::shared_ptr<grpc::Channel> channel;
+std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub> stub;
+
+void initialize_grpc_client() {
+  static std::once_flag init_flag;
+  std::call_once(init_flag, [] {
+    // Never undone: gRPC has to outlive every call that may still run while the process exits.
+    grpc_init();
+    robot_server_address = MURLINK_ROBOT_ENDPOINT;
+    channel = grpc::CreateChannel(robot_server_address, grpc::InsecureChannelCredentials());
+    stub = zet::protobuf::app::Quarlo_RB_GRPC::NewStub(channel);
+  });
+}

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+// Whole applications, in processes of their own, with the stand-in for the platform: the C
+// functions called from C, the examples, and what loading and leaving the library does.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/ChildProcess.h"
+#include "support/SimulatorProcess.h"
+
+namespace {
+
+using std::chrono::seconds;
+using ::testing::HasSubstr;
+
+Finished run(std::vector<std::string> command) {
+  return runToEnd(std::move(command), {}, seconds(20));
+}
+
+TEST(CApplication, UsesGestureRecognition) {
+  SimulatorProcess robot;
+
+  const Finished finished =
+      run({C_CALLER, "gesture_recognition_initialize", "start_gesture_recognition",
+           "start_gesture_recognition", "stop_gesture_recognition", "stop_gesture_recognition",
+           "start_gesture_recognition", "gesture_recognition_finalize"});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.out,
+            "gesture_recognition_initialize 0\n"
+            "start_gesture_recognition 0\n"
+            "start_gesture_recognition 2\n"
+            "stop_gesture_recognition 0\n"
+            "stop_gesture_recognition 3\n"
+            "start_gesture_recognition 0\n"
+            "gesture_recognition_finalize 0\n");
+}
+
+TEST(CApplication, LearnsThatNobodyListens) {
+  const Finished finished = run({C_CALLER, "gesture_recognition_initialize"});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.out, "gesture_recognition_initialize 26710\n");
+}
+
+TEST(CApplication, FindsItsLogOnStandardError) {
+  const Finished finished = run({C_CALLER, "gesture_recognition_initialize"});
+
+  EXPECT_THAT(finished.err, HasSubstr("ERROR murlink: GestureRecognition.cpp : Initialize("));
+}
+
+TEST(CApplication, MayLoadTheLibraryAndLeaveItAndLoadItAgain) {
+  SimulatorProcess robot;
+
+  const Finished finished = run({RELOAD_PROBE, MURLINK_LIBRARY});
+
+  EXPECT_EQ(finished.exit_code, 0) << finished.err;
+  EXPECT_EQ(finished.out, "0\n1\n");
+}
+
+TEST(GestureExample, GoesThroughAWholeLife) {
+  SimulatorProcess robot;
+
+  const Finished finished = run({GESTURE_EXAMPLE});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.out,
+            "switch on: done\n"
+            "start: done\n"
+            "stop: done\n"
+            "switch off: already so\n");
+}
+
+TEST(GestureExample, FailsWhenNobodyListens) {
+  const Finished finished = run({GESTURE_EXAMPLE});
+
+  EXPECT_EQ(finished.exit_code, 1);
+  EXPECT_EQ(finished.out, "switch on: failed with code 26710\n");
+}
+
+TEST(ManualExample, GoesThroughAWholeLife) {
+  SimulatorProcess robot;
+
+  const Finished finished = run({MANUAL_EXAMPLE});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(robot.calls().size(), 3U);
+}
+
+TEST(ManualExample, FailsWhenNobodyListens) {
+  const Finished finished = run({MANUAL_EXAMPLE});
+
+  EXPECT_EQ(finished.exit_code, 1);
+  EXPECT_THAT(finished.err, HasSubstr("gesture recognition is not to be had: 26710"));
+}
+
+}  // namespace

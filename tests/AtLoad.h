@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the library's own variables held when the program had been loaded, before any test.
+#ifndef MURLINK_TESTS_AT_LOAD_H
+#define MURLINK_TESTS_AT_LOAD_H
+
+#include <string>
+
+struct AtLoad {
+  std::string robot_server_address;
+  bool has_channel;
+  bool has_stub;
+};
+
+const AtLoad& atLoad();
+
+#endif

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+// The main program of the tests that look inside the library.
+#include <gmock/gmock.h>
+
+#include "AtLoad.h"
+#include "RobotChannel.h"
+#include "support/Proxies.h"
+
+const AtLoad& atLoad() {
+  static const AtLoad at_load{robot_server_address, channel != nullptr, stub != nullptr};
+  return at_load;
+}
+
+int main(int argc, char** argv) {
+  clearProxies();
+  atLoad();
+  ::testing::InitGoogleMock(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+// One channel a process, and gRPC held open for good. The program takes over the gRPC functions in
+// question and counts the calls that come from the library. A program of its own, because only the
+// first callers of a process matter.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "FootTouchGrpcClient.h"
+#include "GestureRecognition.h"
+
+// Exported, but its own header would bring gRPC's, with symbols that this program only borrows.
+void initialize_grpc_client();
+
+namespace grpc {
+class Channel;
+class ChannelCredentials;
+std::shared_ptr<Channel> CreateChannel(const std::string& target,
+                                       const std::shared_ptr<ChannelCredentials>& credentials);
+}  // namespace grpc
+
+namespace {
+
+std::atomic<int> channels{0};
+std::atomic<int> inits{0};
+std::atomic<int> shutdowns{0};
+
+bool isInLibrary(const void* code) {
+  Dl_info info{};
+  return dladdr(code, &info) != 0 &&
+         std::string_view(info.dli_fname).find("libmurlink-robot.so") != std::string_view::npos;
+}
+
+// The definition that `taken_over` hides.
+template <typename Function>
+Function* original(Function* taken_over) {
+  Dl_info info{};
+  dladdr(reinterpret_cast<const void*>(taken_over), &info);
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, info.dli_sname));
+}
+
+}  // namespace
+
+std::shared_ptr<grpc::Channel> grpc::CreateChannel(
+    const std::string& target, const std::shared_ptr<ChannelCredentials>& credentials) {
+  ++channels;
+  return original(&grpc::CreateChannel)(target, credentials);
+}
+
+extern "C" void grpc_init() {
+  inits += isInLibrary(__builtin_return_address(0)) ? 1 : 0;
+  original (&grpc_init)();
+}
+
+extern "C" void grpc_shutdown() {
+  shutdowns += isInLibrary(__builtin_return_address(0)) ? 1 : 0;
+  original (&grpc_shutdown)();
+}
+
+namespace {
+
+TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
+  std::atomic<bool> go{false};
+  std::vector<std::thread> callers;
+  for (int i = 0; i < 8; ++i) {
+    callers.emplace_back([&go, i] {
+      while (!go) {
+        std::this_thread::yield();
+      }
+      switch (i % 3) {
+        case 0:
+          initialize_grpc_client();
+          break;
+        case 1:
+          GestureRecognition().InitGrpcClient();
+          break;
+        default:
+          FootTouchGrpcClient();
+      }
+    });
+  }
+  ASSERT_EQ(channels, 0) << "the channel is made on the first need, not at load";
+
+  go = true;
+  for (std::thread& caller : callers) {
+    caller.join();
+  }
+
+  EXPECT_EQ(channels, 1);
+  EXPECT_EQ(inits, 1);
+  EXPECT_EQ(shutdowns, 0);
+}
+
+TEST(RobotChannel, KeepsGrpcOpenWhenEveryClientIsGone) {
+  GestureRecognition::GetInstance()->InitGrpcClient();
+  GestureRecognition::ReleaseInstance(nullptr);
+  delete FootTouchGrpcClient::getInstance();
+  FootTouchGrpcClient::setInstance(nullptr);
+
+  EXPECT_EQ(inits, 1);
+  EXPECT_EQ(shutdowns, 0);
+}
+
+}  // namespace

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+// The one channel of the process, seen from inside. That it is made once, however it is first asked
+// for, is seen from outside by OneChannelTest.
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "AtLoad.h"
+#include "RobotChannel.h"
+
+namespace {
+
+TEST(RobotChannel, IsAbsentAtLoad) {
+  EXPECT_EQ(atLoad().robot_server_address, "");
+  EXPECT_FALSE(atLoad().has_channel);
+  EXPECT_FALSE(atLoad().has_stub);
+}
+
+TEST(RobotChannel, LeadsToTheRobotSide) {
+  initialize_grpc_client();
+
+  EXPECT_EQ(robot_server_address, MURLINK_ROBOT_HOST ":26710");
+  ASSERT_NE(channel, nullptr);
+  EXPECT_NE(stub, nullptr);
+}
+
+TEST(RobotChannel, StaysTheSameForEveryFurtherCaller) {
+  initialize_grpc_client();
+  const auto* const first_channel = channel.get();
+  const auto* const first_stub = stub.get();
+
+  std::vector<std::thread> callers;
+  for (int i = 0; i < 8; ++i) {
+    callers.emplace_back(initialize_grpc_client);
+  }
+  for (std::thread& caller : callers) {
+    caller.join();
+  }
+
+  EXPECT_EQ(channel.get(), first_channel);
+  EXPECT_EQ(stub.get(), first_stub);
+}
+
+TEST(RobotChannel, ConnectsToNobodyByItself) {
+  initialize_grpc_client();
+
+  EXPECT_EQ(channel->GetState(false), GRPC_CHANNEL_IDLE);
+}
+
+}  // namespace

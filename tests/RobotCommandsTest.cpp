@@ -1,0 +1,258 @@
+// SPDX-License-Identifier: Apache-2.0
+// Every command of both features against every way in which the robot side can answer: the request
+// that goes out, the result, and each log line. What the operations mean is murlink_robot.h's.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "FootTouchGrpcClient.h"
+#include "GestureRecognition.h"
+#include "murlink_robot.h"
+#include "support/PlatformCapture.h"
+#include "support/RowName.h"
+#include "support/SimulatorProcess.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+using ::testing::ElementsAreArray;
+
+struct Ending {
+  int priority;
+  const char* text;
+  int result;
+};
+
+// What a command sends and says, and how it reports each outcome.
+struct Operation {
+  const char* name;
+  std::function<int()> run;
+  const char* origin;
+  const char* rpc;
+  int selector;
+  std::vector<const char*> lines_before;  // at INFO, and before the outcome
+  Ending done;
+  Ending already;
+  Ending gone;
+  Ending unknown;
+  Ending timed_out;
+  Ending not_ok;
+};
+
+void PrintTo(const Operation& operation, std::ostream* out) {
+  *out << operation.name;
+}
+
+// What the robot side is told to do, and which of the operation's endings that leads to.
+struct Outcome {
+  std::string name;
+  std::string told;
+  Ending Operation::*ending;
+  int answer;
+};
+
+void PrintTo(const Outcome& outcome, std::ostream* out) {
+  *out << outcome.name;
+}
+
+Operation gesture(const char* name, int (GestureRecognition::*run)(), const char* origin,
+                  const char* rpc, std::vector<const char*> lines_before, const char* done,
+                  Ending already, const char* not_ok) {
+  return {name,
+          [run] {
+            GestureRecognition controller;
+            return (controller.*run)();
+          },
+          origin,
+          rpc,
+          1,
+          std::move(lines_before),
+          {4, done, 0},
+          already,
+          {4, "gesture recognition is no more available", 8},
+          {6, "unknown cause to failure, error code ", 7},
+          {6, "time out", 5},
+          {6, not_ok, 26710}};
+}
+
+Operation footTouch(const char* name, int (IFootTouchGrpcClient::*run)(), const char* origin,
+                    const char* rpc, std::vector<const char*> lines_before, const char* done,
+                    Ending already, const char* not_ok) {
+  return {name,
+          [run] { return (FootTouchGrpcClient::getInstance()->*run)(); },
+          origin,
+          rpc,
+          2,
+          std::move(lines_before),
+          {4, done, 0},
+          already,
+          {6, "foot touch is no more available", -1073741822},
+          {6, "unknown cause to failure, error code ", -1073741824},
+          {6, "time out", -110},
+          {6, not_ok, -29398954}};
+}
+
+std::vector<Operation> operations() {
+  return {
+      gesture("GestureInitialize", &GestureRecognition::Initialize,
+              "GestureRecognition.cpp: Initialize", "service_On", {"1,2----"},
+              "gesture recognition service initialize OK",
+              {4, "gesture recognition service initialize failed, service already initialized", 1},
+              "gesture recognition service initialize failed, status not ok."),
+      gesture("GestureStart", &GestureRecognition::StartRecognition,
+              "GestureRecognition.cpp: StartRecognition", "program_run", {},
+              "gesture recognition run OK",
+              {4, "gesture recognition run failed, recognition already running", 2},
+              "gesture recognition run failed, status not ok."),
+      gesture("GestureStop", &GestureRecognition::StopRecognition,
+              "GestureRecognition.cpp: StopRecognition", "program_stop", {},
+              "gesture recognition stopped, status OK",
+              {4, "gesture recognition stop failed, service not running", 3},
+              "gesture recognition stop failed, status not ok."),
+      gesture("GestureFinalize", &GestureRecognition::Finalize, "GestureRecognition.cpp: Finalize",
+              "program_stop", {}, "gesture recognition service finalize OK",
+              {4, "gesture recognition service finalize failed, service already finalized", 4},
+              "gesture recognition service finalize failed, status not ok."),
+      footTouch("FootTouchServiceOn", &IFootTouchGrpcClient::serviceOn,
+                "FootTouchGrpcClient.cpp: serviceOn", "service_On",
+                {"FootTouchGrpcClient::serviceOn begin"}, "foot touch service initialize OK",
+                {4, "foot touch service initialize failed, service already initialized", 1},
+                "foot touch service initialize failed, status not ok."),
+      footTouch("FootTouchProgramRun", &IFootTouchGrpcClient::programRun,
+                "FootTouchGrpcClient.cpp: programRun", "program_run",
+                {"programRun BIEGIN", "stub ->program_run() begin", "stub ->program_run() done"},
+                "foot touch run OK", {4, "foot touch run failed, recognition already running", 2},
+                "foot touch run failed, status not ok."),
+      footTouch("FootTouchProgramStop", &IFootTouchGrpcClient::programStop,
+                "FootTouchGrpcClient.cpp: programStop", "program_stop",
+                {"programStop BEGIN", "stub ->program_stop() begin", "stub ->program_stop() done"},
+                "foot touch stopped, status OK",
+                {4, "foot touch stop failed, service not running", 3},
+                "foot touch stop failed, status not ok."),
+      footTouch("FootTouchServiceOff", &IFootTouchGrpcClient::serviceOff,
+                "FootTouchGrpcClient.cpp: serviceOff", "service_Off", {},
+                "foot touch service finalize OK",
+                {4, "foot touch service finalize failed, service already finalized", 4},
+                "foot touch service finalize failed, status not ok."),
+  };
+}
+
+std::vector<Outcome> answers() {
+  return {{"Answer0", "answer 0", &Operation::done, 0},
+          {"Answer1", "answer 1", &Operation::already, 1},
+          {"Answer2", "answer 2", &Operation::unknown, 2},
+          {"Answer3", "answer 3", &Operation::gone, 3},
+          {"Answer4", "answer 4", &Operation::unknown, 4},
+          {"AnswerMinus1", "answer -1", &Operation::unknown, -1}};
+}
+
+std::vector<Outcome> statuses() {
+  std::vector<Outcome> outcomes;
+  for (int status = 1; status <= 16; ++status) {
+    outcomes.push_back({"Status" + std::to_string(status), "fail " + std::to_string(status),
+                        status == 4 ? &Operation::timed_out : &Operation::not_ok, 0});
+  }
+  return outcomes;
+}
+
+std::vector<LogLine> expectedLines(const Operation& operation, const Ending& ending, int answer) {
+  std::vector<LogLine> lines;
+  for (const char* body : operation.lines_before) {
+    lines.push_back(infoLine(operation.origin, body));
+  }
+  std::string body = ending.text;
+  if (body.back() == ' ') {
+    body += std::to_string(answer);
+  }
+  lines.push_back(ending.priority == 4 ? infoLine(operation.origin, body)
+                                       : errorLine(operation.origin, body));
+  return lines;
+}
+
+// Runs an operation and checks its result and every line that it logs.
+void expectEnding(const Operation& operation, Ending Operation::*which, int answer = 0) {
+  FootTouchGrpcClient::getInstance();  // creates it now, not between the lines
+  const LogCapture log;
+  const int result = operation.run();
+
+  std::vector<LogLine> lines = log.lines();
+  if (operation.selector == 2) {
+    lines.erase(lines.begin());  // "get instance"
+  }
+  const Ending& ending = operation.*which;
+  EXPECT_EQ(result, ending.result);
+  EXPECT_THAT(lines, ElementsAreArray(expectedLines(operation, ending, answer)));
+}
+
+class Answered : public ::testing::TestWithParam<std::tuple<Operation, Outcome>> {};
+
+TEST_P(Answered, BecomesOneResultAndItsLogLines) {
+  const auto& [operation, outcome] = GetParam();
+  SimulatorProcess robot;
+  robot.command("when any any " + outcome.told);
+
+  expectEnding(operation, outcome.ending, outcome.answer);
+
+  const auto calls = robot.calls();
+  ASSERT_EQ(calls.size(), 1U);
+  EXPECT_EQ(calls[0].at("rpc"), operation.rpc);
+  EXPECT_EQ(calls[0].at("x"), operation.selector);
+  EXPECT_LE(calls[0].at("deadline_ms"), 2100);
+}
+
+std::string bothNames(const ::testing::TestParamInfo<std::tuple<Operation, Outcome>>& row) {
+  return std::get<0>(row.param).name + std::get<1>(row.param).name;
+}
+
+INSTANTIATE_TEST_SUITE_P(WithS, Answered,
+                         ::testing::Combine(::testing::ValuesIn(operations()),
+                                            ::testing::ValuesIn(answers())),
+                         bothNames);
+INSTANTIATE_TEST_SUITE_P(WithStatus, Answered,
+                         ::testing::Combine(::testing::ValuesIn(operations()),
+                                            ::testing::ValuesIn(statuses())),
+                         bothNames);
+
+class EveryOperation : public ::testing::TestWithParam<Operation> {};
+
+TEST_P(EveryOperation, TimesOutAfterTwoSecondsOfSilence) {
+  SimulatorProcess robot;
+  robot.command("when any any never");
+
+  const auto start = steady_clock::now();
+  expectEnding(GetParam(), &Operation::timed_out);
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(1900));
+  EXPECT_EQ(robot.calls().size(), 1U);
+}
+
+TEST_P(EveryOperation, TakesAnAnswerThatComesInTime) {
+  SimulatorProcess robot;
+  robot.command("when any any wait 500ms answer 0");
+
+  const auto start = steady_clock::now();
+  expectEnding(GetParam(), &Operation::done);
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(500));
+}
+
+TEST_P(EveryOperation, FailsWhenNobodyListens) {
+  expectEnding(GetParam(), &Operation::not_ok);
+}
+
+TEST_P(EveryOperation, WorksAgainAfterAFailure) {
+  SimulatorProcess robot;
+  robot.command("when any any fail UNAVAILABLE once");
+  GetParam().run();
+  robot.command("when any any answer 0");
+
+  expectEnding(GetParam(), &Operation::done);
+}
+
+INSTANTIATE_TEST_SUITE_P(Robot, EveryOperation, ::testing::ValuesIn(operations()),
+                         rowName<Operation>);
+
+}  // namespace

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: Apache-2.0
+// The schemas are shared with the services at the other end: every name, number, type and path. The
+// bytes of the messages are covered by SchemaBytesTest.
+#include <gmock/gmock.h>
+#include <google/protobuf/descriptor.h>
+#include <grpcpp/create_channel.h>
+#include <grpcpp/generic/generic_stub.h>
+#include <gtest/gtest.h>
+
+#include <future>
+
+#include "Quarlo_RB_Server.grpc.pb.h"
+#include "Quarlo_TV_Server.grpc.pb.h"
+#include "support/SimulatorProcess.h"
+#include "support/VirtualSlot.h"
+
+namespace {
+
+using google::protobuf::DescriptorPool;
+using google::protobuf::FieldDescriptor;
+using google::protobuf::FileDescriptor;
+using zet::protobuf::app::Quarlo_RB_GRPC;
+
+// ---- Descriptors
+
+std::string typeOf(const FieldDescriptor& field) {
+  return field.message_type() == nullptr ? field.type_name()
+                                         : "." + std::string(field.message_type()->full_name());
+}
+
+std::string textOf(const FieldDescriptor& field) {
+  return std::to_string(field.number()) + (field.is_repeated() ? " repeated " : " ") +
+         typeOf(field) + " " + std::string(field.name()) +
+         (field.has_presence() && field.message_type() == nullptr ? " (explicit presence)" : "");
+}
+
+std::vector<std::string> textOf(const FileDescriptor& file) {
+  std::vector<std::string> lines{"package " + std::string(file.package())};
+  for (int i = 0; i < file.dependency_count(); ++i) {
+    lines.push_back("import " + std::string(file.dependency(i)->name()));
+  }
+  for (int i = 0; i < file.message_type_count(); ++i) {
+    const auto& message = *file.message_type(i);
+    lines.push_back("message " + std::string(message.full_name()));
+    for (int j = 0; j < message.field_count(); ++j) {
+      lines.push_back(textOf(*message.field(j)));
+    }
+  }
+  for (int i = 0; i < file.service_count(); ++i) {
+    const auto& service = *file.service(i);
+    lines.push_back("service " + std::string(service.full_name()));
+    for (int j = 0; j < service.method_count(); ++j) {
+      const auto& method = *service.method(j);
+      lines.push_back(std::string(method.name()) + (method.client_streaming() ? " stream" : "") +
+                      " ." + std::string(method.input_type()->full_name()) +
+                      (method.server_streaming() ? " stream" : "") + " ." +
+                      std::string(method.output_type()->full_name()));
+    }
+  }
+  return lines;
+}
+
+// As it was registered when the program was loaded; nothing has been called to that end.
+const FileDescriptor& registered(const char* name) {
+  const FileDescriptor* const file = DescriptorPool::generated_pool()->FindFileByName(name);
+  if (file == nullptr) {
+    throw std::runtime_error(std::string(name) + " is not registered");
+  }
+  return *file;
+}
+
+TEST(PlatformSchema, HasTheseMessagesInThisOrder) {
+  EXPECT_THAT(textOf(registered("Quarlo_Platform.proto")),
+              ::testing::ElementsAre(
+                  "package ",                                                              //
+                  "message ActionRequest", "1 bool a",                                     //
+                  "message StatusResponse", "1 int32 s",                                   //
+                  "message IntMessage", "1 int32 x",                                       //
+                  "message Point", "1 float x", "2 float y",                               //
+                  "message Bbox", "1 .Point center", "2 .Point shape",                     //
+                  "message Landmarks", "1 repeated .Point Landmarks",                      //
+                  "message StringMessage", "1 string s",                                   //
+                  "message FrameLandmarkData", "1 double time", "2 .Bbox bbox",            //
+                  "3 bool isRight", "4 int32 static_classification", "5 float hand_size",  //
+                  "6 .Landmarks normedLDMKS", "7 .Landmarks projectedLDMKS"));
+}
+
+TEST(RobotSchema, HasThisServiceWithItsRpcsInOrder) {
+  EXPECT_THAT(textOf(registered("Quarlo_RB_Server.proto")),
+              ::testing::ElementsAre("package zet.protobuf.app", "import Quarlo_Platform.proto",
+                                     "service zet.protobuf.app.Quarlo_RB_GRPC",
+                                     "service_On .IntMessage .StatusResponse",
+                                     "service_Off .IntMessage .StatusResponse",
+                                     "program_run .IntMessage .StatusResponse",
+                                     "program_stop .IntMessage .StatusResponse"));
+}
+
+TEST(DisplaySchema, HasTheseMessagesAndThisServiceInOrder) {
+  EXPECT_THAT(textOf(registered("Quarlo_TV_Server.proto")),
+              ::testing::ElementsAre(
+                  "package zet.protobuf.app", "import Quarlo_Platform.proto",
+                  "message zet.protobuf.app.Button", "1 int32 id", "2 float start",
+                  "3 float ending",  //
+                  "message zet.protobuf.app.Buttons", "1 repeated .zet.protobuf.app.Button buttons",
+                  "service zet.protobuf.app.Quarlo_TV_GRPC",
+                  "sendFrameData .FrameLandmarkData .StatusResponse",
+                  "sendFootTouchPoint .Point .StatusResponse",
+                  "setFootTouchAPIServerAddress .StringMessage .StatusResponse",
+                  "setButtons .zet.protobuf.app.Buttons .StatusResponse"));
+}
+
+// ---- Services
+
+TEST(RobotService, LeavesWhatIsNotOverriddenUnimplemented) {
+  Quarlo_RB_GRPC::Service service;
+  StatusResponse response;
+  response.set_s(42);
+  for (const auto handler :
+       {&Quarlo_RB_GRPC::Service::service_On, &Quarlo_RB_GRPC::Service::service_Off,
+        &Quarlo_RB_GRPC::Service::program_run, &Quarlo_RB_GRPC::Service::program_stop}) {
+    const grpc::Status status = (service.*handler)(nullptr, nullptr, &response);
+
+    EXPECT_EQ(status.error_code(), grpc::StatusCode::UNIMPLEMENTED);
+    EXPECT_EQ(status.error_message(), "");
+    EXPECT_EQ(response.s(), 42);
+  }
+}
+
+TEST(RobotService, HasItsHandlersInTheOrderOfTheSchema) {
+  using Service = Quarlo_RB_GRPC::Service;
+  const auto first = virtualSlot(&Service::service_On);
+
+  EXPECT_EQ(virtualSlot(&Service::service_Off), first + 1);
+  EXPECT_EQ(virtualSlot(&Service::program_run), first + 2);
+  EXPECT_EQ(virtualSlot(&Service::program_stop), first + 3);
+}
+
+// Sends bytes to a method path without any generated code.
+std::string rawCall(const std::string& path, const std::string& bytes) {
+  grpc::GenericStub stub(
+      grpc::CreateChannel(MURLINK_ROBOT_HOST ":26710", grpc::InsecureChannelCredentials()));
+  grpc::ClientContext context;
+  context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(5));
+  const grpc::Slice slice(bytes);
+  const grpc::ByteBuffer request(&slice, 1);
+  grpc::ByteBuffer response;
+  std::promise<grpc::Status> done;
+  stub.UnaryCall(&context, path, {}, &request, &response,
+                 [&done](grpc::Status status) { done.set_value(std::move(status)); });
+  const grpc::Status status = done.get_future().get();
+  if (!status.ok()) {
+    throw std::runtime_error(path + ": " + status.error_message());
+  }
+  std::vector<grpc::Slice> slices;
+  response.Dump(&slices);
+  std::string answer;
+  for (const grpc::Slice& piece : slices) {
+    answer.append(reinterpret_cast<const char*>(piece.begin()), piece.size());
+  }
+  return answer;
+}
+
+TEST(RobotMethods, AreReachedByTheirPaths) {
+  SimulatorProcess robot;
+  robot.command("when any any answer 1");
+  for (const std::string rpc : {"service_On", "service_Off", "program_run", "program_stop"}) {
+    EXPECT_EQ(rawCall("/zet.protobuf.app.Quarlo_RB_GRPC/" + rpc, "\x08\x02"), "\x08\x01");
+
+    EXPECT_EQ(robot.calls().back().at("rpc"), rpc);
+    EXPECT_EQ(robot.calls().back().at("x"), 2);
+  }
+}
+
+TEST(RobotMethods, AnswerSuccessWithAnEmptyBody) {
+  SimulatorProcess robot;
+  robot.command("when any any answer 0");
+
+  EXPECT_EQ(rawCall("/zet.protobuf.app.Quarlo_RB_GRPC/service_On", ""), "");
+}
+
+}  // namespace

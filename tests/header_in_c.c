@@ -1,0 +1,20 @@
+/* SPDX-License-Identifier: Apache-2.0 */
+/* The public header alone, first and twice, as any C standard since C89 must accept it. */
+#include "murlink_robot.h"
+
+static void on_button(int id, int state, void* user_data) {
+  *(int*)user_data = id + state;
+}
+
+int use_everything(void);
+int use_everything(void) {
+  const button layout[] = {{1, 0.0F, 0.5F}, {2, 0.5F, 1.0F}};
+  struct button same_record = layout[0];
+  int pressed = 0;
+  foot_touch_button_cb callback = on_button;
+  foot_touch_set_button_cb(callback, &pressed);
+  return foot_touch_initialize() + foot_touch_set_buttons(layout, 2) + start_foot_touch() +
+         stop_foot_touch() + foot_touch_finalize() + gesture_recognition_initialize() +
+         start_gesture_recognition() + stop_gesture_recognition() + gesture_recognition_finalize() +
+         same_record.id;
+}

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+// The test program plays the device: it defines the platform's functions itself, and so reads every
+// log line of the library and answers its questions.
+#ifndef MURLINK_TESTS_PLATFORM_CAPTURE_H
+#define MURLINK_TESTS_PLATFORM_CAPTURE_H
+
+#include <chrono>
+#include <iosfwd>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A line as the platform gets it, except that the source line number is replaced by #.
+struct LogLine {
+  int priority;
+  std::string tag;
+  std::string text;
+};
+
+bool operator==(const LogLine& a, const LogLine& b);
+std::ostream& operator<<(std::ostream& out, const LogLine& line);
+
+// What the library logs for a body, from a file and function named as "File.cpp: function".
+LogLine infoLine(std::string_view origin, std::string_view body);
+LogLine errorLine(std::string_view origin, std::string_view body);
+
+// A pointer as "%p" shows it.
+std::string shown(const void* pointer);
+
+// Collects the lines of all threads while it lives; one at a time.
+class LogCapture {
+ public:
+  LogCapture();
+  ~LogCapture();
+  LogCapture(const LogCapture&) = delete;
+  LogCapture& operator=(const LogCapture&) = delete;
+
+  std::vector<LogLine> lines() const;
+  void add(LogLine line);
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<LogLine> lines_;
+};
+
+// The device while it lives, one at a time: whether it knows the key of the lens, and the value
+// stored under it. Without one, the key is known and true.
+class Device {
+ public:
+  struct Question {
+    std::string key;
+    std::chrono::steady_clock::time_point when;
+  };
+
+  Device(bool knows_lens, bool lens);
+  ~Device();
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+
+  std::vector<Question> questions() const;
+  int answer(const char* key, bool* value);
+
+ private:
+  const bool knows_lens_;
+  const bool lens_;
+  mutable std::mutex mutex_;
+  std::vector<Question> questions_;
+};
+
+#endif

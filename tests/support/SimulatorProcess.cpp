@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "SimulatorProcess.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <stdexcept>
+
+namespace {
+
+constexpr std::chrono::seconds kLimit{10};
+
+std::vector<std::string> commandLine(std::vector<std::string> options) {
+  std::vector<std::string> command{MURLINK_SIMULATOR, "--json"};
+  command.insert(command.end(), options.begin(), options.end());
+  return command;
+}
+
+}  // namespace
+
+SimulatorProcess::SimulatorProcess(std::vector<std::string> options)
+    : process_(spawn(commandLine(std::move(options)), {},
+                     {input_.readEnd(), output_.writeEnd(), STDERR_FILENO})) {
+  input_.closeReadEnd();
+  output_.closeWriteEnd();
+  reader_ = std::thread([this] { readOutput(); });
+  try {
+    waitForEvent([](const Json& event) { return event.at("event") == "ready"; });
+  } catch (...) {
+    ::kill(process_, SIGKILL);
+    waitForEnd();
+    throw;
+  }
+}
+
+SimulatorProcess::~SimulatorProcess() {
+  if (running_) {
+    ::kill(process_, SIGKILL);
+    waitForEnd();
+  }
+}
+
+SimulatorProcess::Json SimulatorProcess::command(const std::string& line) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  const std::size_t before = answers_.size();
+  const std::string text = line + "\n";
+  if (write(input_.writeEnd(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
+      !changed_.wait_for(lock, kLimit, [&] { return answers_.size() > before; })) {
+    throw std::runtime_error("the simulator did not answer: " + line);
+  }
+  Json answer = answers_.back();
+  if (answer.at("answer") != "ok") {
+    throw std::runtime_error(line + ": " + answer.dump());
+  }
+  return answer;
+}
+
+std::vector<SimulatorProcess::Json> SimulatorProcess::calls() {
+  command("state");  // its answer comes after everything that was printed before
+  const std::lock_guard<std::mutex> lock(mutex_);
+  std::vector<Json> calls;
+  std::copy_if(events_.begin(), events_.end(), std::back_inserter(calls),
+               [](const Json& event) { return event.at("event") == "call"; });
+  return calls;
+}
+
+SimulatorProcess::Json SimulatorProcess::waitForEvent(
+    const std::function<bool(const Json&)>& wanted) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  auto found = events_.end();
+  const auto arrived = [&] {
+    found = std::find_if(events_.begin(), events_.end(), wanted);
+    return found != events_.end();
+  };
+  if (!changed_.wait_for(lock, kLimit, arrived)) {
+    throw std::runtime_error("the simulator did not report the event that was waited for");
+  }
+  return *found;
+}
+
+void SimulatorProcess::signal(int number) const {
+  ::kill(process_, number);
+}
+
+int SimulatorProcess::end() {
+  input_.closeWriteEnd();
+  return waitForEnd();
+}
+
+int SimulatorProcess::waitForEnd() {
+  const int status = waitForExit(process_, std::chrono::steady_clock::now() + kLimit);
+  running_ = false;
+  reader_.join();
+  return status;
+}
+
+void SimulatorProcess::readOutput() {
+  std::string pending;
+  std::array<char, 4096> chunk{};
+  for (ssize_t length = 0; (length = read(output_.readEnd(), chunk.data(), chunk.size())) > 0;) {
+    pending.append(chunk.data(), static_cast<std::size_t>(length));
+    for (std::size_t end = 0; (end = pending.find('\n')) != std::string::npos;) {
+      keep(pending.substr(0, end));
+      pending.erase(0, end + 1);
+    }
+  }
+}
+
+void SimulatorProcess::keep(const std::string& line) {
+  const Json record = Json::parse(line);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    (record.contains("event") ? events_ : answers_).push_back(record);
+  }
+  changed_.notify_all();
+}

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+// The simulator program as a process of its own: the peer of every test, driven through its own
+// command language. Everything that waits has a limit and throws std::runtime_error beyond it.
+#ifndef MURLINK_TESTS_SIMULATOR_PROCESS_H
+#define MURLINK_TESTS_SIMULATOR_PROCESS_H
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Spawn.h"
+
+class SimulatorProcess {
+ public:
+  using Json = nlohmann::json;
+
+  // Starts it on its default addresses and waits until it listens there.
+  explicit SimulatorProcess(std::vector<std::string> options = {});
+  // Ends it if it still runs.
+  ~SimulatorProcess();
+  SimulatorProcess(const SimulatorProcess&) = delete;
+  SimulatorProcess& operator=(const SimulatorProcess&) = delete;
+
+  // Gives one command; throws when the simulator refuses it. Returns the answer.
+  Json command(const std::string& line);
+
+  // Every call that it has got so far, oldest first.
+  std::vector<Json> calls();
+  // The first event that `wanted` accepts, now or within 10 s.
+  Json waitForEvent(const std::function<bool(const Json&)>& wanted);
+
+  void signal(int number) const;
+  // Closes its input and waits for its end; returns how a shell shows that.
+  int end();
+  // Waits for the end that a signal brings.
+  int waitForEnd();
+
+ private:
+  Pipe input_;
+  Pipe output_;
+  pid_t process_;
+  bool running_ = true;
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<Json> events_;
+  std::vector<Json> answers_;
+  std::thread reader_;
+
+  void readOutput();
+  void keep(const std::string& line);
+};
+
+#endif
