@@ -20,6 +20,12 @@ endfunction()
 murlink_check_host(MURLINK_ROBOT_HOST)
 murlink_check_host(MURLINK_DISPLAY_HOST)
 
+# Both services use the same port.
+if(MURLINK_ROBOT_HOST STREQUAL MURLINK_DISPLAY_HOST)
+  message(FATAL_ERROR "MURLINK_ROBOT_HOST and MURLINK_DISPLAY_HOST are both \"${MURLINK_ROBOT_HOST}\", "
+    "but the two services must run on hosts of their own")
+endif()
+
 set(MURLINK_ROBOT_ENDPOINT "${MURLINK_ROBOT_HOST}:26710")
 set(MURLINK_DISPLAY_ENDPOINT "${MURLINK_DISPLAY_HOST}:26710")
 set(MURLINK_CALLBACK_ENDPOINT "${MURLINK_DISPLAY_HOST}:26711")

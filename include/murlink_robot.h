@@ -29,7 +29,8 @@
  *   }
  *
  *   result = start_gesture_recognition();
- *   if (result != GESTURE_RECOGNITION_ERROR_NONE) {
+ *   if (result != GESTURE_RECOGNITION_ERROR_NONE &&
+ *       result != GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING) {
  *     fprintf(stderr, "recognition did not start: %d\n", result);
  *     return 1;
  *   }
@@ -73,6 +74,9 @@
  *
  * The functions of one feature must be called from one thread at a time. The two features are
  * independent of each other and may be used from two threads at once.
+ *
+ * No function may be called, or still run, once main() has returned or exit() has been called: the
+ * connections go with the process.
  */
 #ifndef MURLINK_ROBOT_H
 #define MURLINK_ROBOT_H
@@ -81,8 +85,7 @@
 extern "C" {
 #endif
 
-/* ---------------------------------------------------------------- gesture recognition ----------
- */
+/* ---------------------------------------- gesture recognition */
 
 /** What the gesture functions return. */
 enum gesture_recognition_error {
@@ -172,8 +175,7 @@ int stop_gesture_recognition(void);
  */
 int gesture_recognition_finalize(void);
 
-/* ---------------------------------------------------------------- foot touch -------------------
- */
+/* ---------------------------------------- foot touch */
 
 /** What the foot-touch functions return. */
 enum foot_touch_error {
@@ -219,9 +221,13 @@ typedef struct button {
  * @param id         the button's id, as reported by the recogniser; not compared with the layout.
  * @param state      1 when a foot touches the button, 0 when it leaves it.
  * @param user_data  the pointer given to foot_touch_set_button_cb().
- * @threads runs on threads of the library, never on the application's; two calls may run at once.
- *          The recogniser waits until it returns. It must not call foot_touch_finalize(), which
- *          waits for the callback, and should not throw.
+ * The recogniser waits until it returns, and so does foot_touch_finalize(): a callback that never
+ * returns keeps both waiting for ever. An exception that leaves it does not reach the application;
+ * the recogniser is answered with gRPC's status UNKNOWN, and the next press comes as usual.
+ *
+ * @threads runs on gRPC's threads, never on the application's; two calls may run at once, even for
+ *          the same button. It may set another callback or clear it. It must not call
+ *          foot_touch_finalize(), which would wait for itself for ever.
  */
 typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
 
@@ -230,11 +236,18 @@ typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
  * robot's service on. Recognition does not run yet.
  *
  * Blocks until the display (1 s at most) and the robot (2 s at most) have answered. Does nothing
- * and returns success when foot touch is initialised already.
+ * and returns success when foot touch is initialised already. After a failure, call it again: it
+ * goes on where it stopped.
+ *
+ * The display and the recogniser are told a fixed address, which one process at a time can listen
+ * on. When it is taken, this function succeeds all the same, no press arrives, and the log says
+ * "cannot listen on": end the other process, finalise, and initialise again.
  *
  * @return #FOOT_TOUCH_ERROR_NONE                 foot touch is on
- *         #FOOT_TOUCH_ERROR_ALREADY_INITIALIZED  the robot's service was on before; foot touch is
- *                                                not initialised in this process
+ *         #FOOT_TOUCH_ERROR_ALREADY_INITIALIZED  the robot's service was on before, perhaps because
+ *                                                an application ended without finalising. Foot
+ *                                                touch is not initialised in this process until
+ *                                                the robot has switched its service off
  *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED      the display could not be told; call again
  *         #FOOT_TOUCH_ERROR_NOT_SUPPORTED        the device has no switchable lens
  *         #FOOT_TOUCH_ERROR_TIMED_OUT            no answer from the robot in time; call again
@@ -250,11 +263,14 @@ int foot_touch_initialize(void);
  * Switches foot touch off: stops to listen for presses, then switches the robot's service off.
  *
  * Blocks until every callback that runs has returned, without limit, and then until the robot
- * answers, 2 s at most. No callback runs after it has returned. After a failure to reach the robot,
- * presses are no longer delivered; call it again to switch the robot's service off.
+ * answers, 2 s at most. No callback runs after it has returned.
+ *
+ * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
+ * foot_touch_initialize() would do nothing: call this function again after a pause.
  *
  * @return #FOOT_TOUCH_ERROR_NONE               foot touch is off
- *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    it was not on, here or on the robot
+ *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    it was not on, here or on the robot; in the latter
+ *                                              case this counts as a failure, as above
  *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer in time; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
@@ -267,9 +283,9 @@ int foot_touch_finalize(void);
 /**
  * Replaces the button layout that the display holds.
  *
- * Blocks until the display answers, 2 s at most. A layout that is refused or lost is not kept: send
- * it again. Two buttons may touch but not overlap; an id that is used twice is reported in the log,
- * not refused.
+ * Blocks until the display answers, 2 s at most. The layout goes to the display and is kept nowhere
+ * else: send it again when it was refused or lost, and after the display was restarted. Two buttons
+ * may touch but not overlap; an id that is used twice is reported in the log, not refused.
  *
  * @param buttons  `count` records, read during the call only; may be NULL when `count` is 0.
  * @param count    number of records, 0 or more; 0 clears the layout. A negative number throws
@@ -293,10 +309,11 @@ int foot_touch_set_buttons(const button* buttons, int count);
  * Does not block.
  *
  * @param cb         the function; NULL clears it, and presses are then answered as not delivered.
- * @param user_data  handed to every call of `cb` unchanged; may be NULL. What it points to must
- * stay valid until another callback is set or foot touch is finalised.
- * @threads one foot-touch function at a time; presses may arrive meanwhile and see either the old
- *          pair or the new one.
+ * @param user_data  handed to every call of `cb` unchanged; may be NULL, not owned. What it points
+ *                   to must stay valid until foot_touch_finalize() has returned: a call that is
+ *                   under way goes on with it even after another callback has been set.
+ * @threads one foot-touch function at a time, and from inside the callback; presses that arrive
+ *          meanwhile see either the old pair or the new one.
  */
 void foot_touch_set_button_cb(foot_touch_button_cb cb, void* user_data);
 

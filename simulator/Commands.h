@@ -3,57 +3,52 @@
 #ifndef MURLINK_SIMULATOR_COMMANDS_H
 #define MURLINK_SIMULATOR_COMMANDS_H
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "Simulation.h"
+#include "Journal.h"
+#include "WordReader.h"
 
 namespace simulator {
 
-// The words of one line, taken from left to right.
-class WordReader {
- public:
-  explicit WordReader(const std::string& line);
-
-  bool done() const { return next_ == words_.size(); }
-  // The next word, empty at the end of the line.
-  std::string_view peek() const { return done() ? std::string_view() : words_[next_]; }
-  std::string_view take();
-  // Takes the next word if it is `word`.
-  bool takeIf(std::string_view word);
-  // Throws Misunderstood when words are left.
-  void expectEnd() const;
-
- private:
-  std::vector<std::string> words_;
-  std::size_t next_ = 0;
-};
-
 class Commands {
  public:
-  explicit Commands(Simulation& simulation) : simulation_(simulation) {}
+  // Carries out one command, given the words after its name, and returns the answer. Throws
+  // CommandError when that is impossible.
+  using Run = std::function<Message(WordReader&)>;
+
+  struct Entry {
+    std::string_view name;
+    const char* usage;
+    const char* help;
+    Run run;
+  };
+
+  void add(Entry entry) { entries_.push_back(std::move(entry)); }
+  const std::vector<Entry>& entries() const { return entries_; }
+  // Throws Misunderstood when there is none of that name.
+  const Entry& find(std::string_view name) const;
 
   // Carries out one line and returns the answer; none for a blank line or a # comment. A line that
   // is not understood changes nothing, and its answer says what was expected.
   std::optional<Message> execute(const std::string& line);
+  // Carries out the command that the words name. Throws CommandError.
+  Message run(WordReader& words) const { return find(words.take()).run(words); }
+
+  // True once a command was answered with an error.
+  bool failed() const { return failed_; }
 
  private:
-  struct Entry;
-  static const std::vector<Entry>& table();
-  static const Entry& find(std::string_view name);
-
-  Simulation& simulation_;
-
-  Message when(WordReader& words);
-  Message clear(WordReader& words);
-  Message state(WordReader& words);
-  Message set(WordReader& words);
-  Message reset(WordReader& words);
-  Message help(WordReader& words);
-  Message quit(WordReader& words);
+  std::vector<Entry> entries_;
+  bool failed_ = false;
 };
+
+// The answer to a command that was carried out.
+Message ok(const std::string& details = "",
+           const nlohmann::ordered_json& more = nlohmann::ordered_json::object());
 
 }  // namespace simulator
 

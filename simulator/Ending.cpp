@@ -28,6 +28,11 @@ void Ending::request() {
   eventfd_write(descriptor_, 1);
 }
 
+bool Ending::requested() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return requested_;
+}
+
 bool Ending::sleep(std::chrono::milliseconds duration) {
   std::unique_lock<std::mutex> lock(mutex_);
   return !changed_.wait_for(lock, duration, [this] { return requested_; });

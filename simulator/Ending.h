@@ -18,6 +18,7 @@ class Ending {
 
   // Wakes every sleeper. Any thread, any number of times.
   void request();
+  bool requested();
   // Sleeps for `duration`; false as soon as the end has been requested.
   bool sleep(std::chrono::milliseconds duration);
   // Becomes readable when the end is requested, for poll().

@@ -3,8 +3,6 @@
 #ifndef MURLINK_SIMULATOR_ROBOT_SERVICE_H
 #define MURLINK_SIMULATOR_ROBOT_SERVICE_H
 
-#include <atomic>
-
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "Simulation.h"
 
@@ -25,9 +23,8 @@ class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   Simulation& simulation_;
-  std::atomic<int> calls_{0};
 
-  grpc::Status serve(const char* rpc, grpc::ServerContext& context, int feature,
+  grpc::Status serve(const char* rpc, const grpc::ServerContext& context, int feature,
                      StatusResponse& response);
 };
 

@@ -8,10 +8,6 @@
 namespace simulator {
 namespace {
 
-bool fits(const Rule& rule, std::string_view rpc, int feature) {
-  return (!rule.rpc || *rule.rpc == rpc) && (!rule.feature || *rule.feature == feature);
-}
-
 std::string repetition(const std::optional<int>& times) {
   if (!times) {
     return "always";
@@ -22,8 +18,7 @@ std::string repetition(const std::optional<int>& times) {
 }  // namespace
 
 std::string describe(const Rule& rule) {
-  std::string text = "when " + rule.rpc.value_or("any") + " " +
-                     (rule.feature ? featureName(*rule.feature) : "any");
+  std::string text = "when " + describe(rule.calls);
   const Treatment& treatment = rule.treatment;
   if (treatment.wait.count() > 0) {
     text += " wait " + durationText(treatment.wait);
@@ -50,10 +45,11 @@ void Rules::clear() {
   rules_.clear();
 }
 
-Treatment Rules::take(std::string_view rpc, int feature) {
+Treatment Rules::take(std::string_view rpc, std::optional<int> feature) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  const auto latest = std::find_if(rules_.rbegin(), rules_.rend(),
-                                   [&](const Rule& rule) { return fits(rule, rpc, feature); });
+  const auto latest = std::find_if(rules_.rbegin(), rules_.rend(), [&](const Rule& rule) {
+    return fits(rule.calls, rpc, feature);
+  });
   if (latest == rules_.rend()) {
     return {};
   }

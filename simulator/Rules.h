@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "CallPattern.h"
+
 namespace simulator {
 
 // How one call is treated. The default is to behave: to answer as the peer itself would, at once.
@@ -23,8 +25,7 @@ struct Treatment {
 };
 
 struct Rule {
-  std::optional<std::string> rpc;  // absent: any
-  std::optional<int> feature;      // absent: any
+  CallPattern calls;
   Treatment treatment;
   std::optional<int> times;  // absent: until told otherwise
 };
@@ -38,7 +39,7 @@ class Rules {
   void clear();
   // The treatment of a call that has come. The latest rule that fits decides; one that is used up
   // gives way to the one before it.
-  Treatment take(std::string_view rpc, int feature);
+  Treatment take(std::string_view rpc, std::optional<int> feature);
 
  private:
   std::mutex mutex_;

@@ -3,8 +3,13 @@
 #ifndef MURLINK_SIMULATOR_SIMULATION_H
 #define MURLINK_SIMULATOR_SIMULATION_H
 
+#include <atomic>
+
+#include "Display.h"
 #include "Ending.h"
+#include "History.h"
 #include "Journal.h"
+#include "Recogniser.h"
 #include "Robot.h"
 #include "Rules.h"
 
@@ -17,6 +22,10 @@ struct Simulation {
   Ending ending;
   Rules rules;
   Robot robot;
+  Display display;
+  History history;
+  Recogniser recogniser{journal, history, ending};
+  std::atomic<int> calls{0};  // to both sides
 };
 
 }  // namespace simulator

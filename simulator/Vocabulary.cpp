@@ -55,6 +55,11 @@ const std::vector<std::string_view>& robotRpcs() {
   return names;
 }
 
+const std::vector<std::string_view>& displayRpcs() {
+  static const std::vector<std::string_view> names{"setFootTouchAPIServerAddress", "setButtons"};
+  return names;
+}
+
 std::string featureName(int feature) {
   const std::string_view name = nameOf(features(), feature);
   return name.empty() ? std::to_string(feature) : std::string(name);
@@ -115,6 +120,36 @@ int parseNumber(std::string_view word, std::string_view what) {
     return number;
   }
   expected(std::string(what) + " (a whole number)", word);
+}
+
+int parseAtLeast(int least, std::string_view word, std::string_view what) {
+  int number = 0;
+  if (readNumber(word, number) && number >= least) {
+    return number;
+  }
+  expected(std::string(what) + ", " + std::to_string(least) + " or more", word);
+}
+
+float parsePosition(std::string_view word) {
+  float position = 0;
+  if (readNumber(word, position) && position >= 0 && position <= 1) {
+    return position;
+  }
+  expected("a position (0 to 1)", word);
+}
+
+std::string parseAddress(std::string_view word) {
+  const auto colon = word.rfind(':');
+  int port = -1;
+  if (colon != 0 && colon != std::string_view::npos && readNumber(word.substr(colon + 1), port) &&
+      port >= 0 && port <= 65535) {
+    return std::string(word);
+  }
+  expected("HOST:PORT, such as 127.0.0.1:26710", word);
+}
+
+bool isDuration(std::string_view word) {
+  return !word.empty() && word.find_first_of("0123456789.") == 0 && word.back() == 's';
 }
 
 std::string alternatives(const std::vector<std::string_view>& words) {

@@ -7,18 +7,14 @@
 
 #include <algorithm>
 #include <chrono>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-namespace simulator {
+#include "CommandError.h"
 
-// A command that was not understood; says what was expected instead.
-class Misunderstood : public std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
+namespace simulator {
 
 // A closed list of words, each with its meaning.
 template <typename Meaning>
@@ -27,6 +23,7 @@ using Words = std::vector<std::pair<std::string_view, Meaning>>;
 const Words<int>& features();               // gesture, foot-touch
 const Words<grpc::StatusCode>& failures();  // every gRPC status but OK
 const std::vector<std::string_view>& robotRpcs();
+const std::vector<std::string_view>& displayRpcs();
 
 // The name of a feature, or its number when it has none.
 std::string featureName(int feature);
@@ -38,6 +35,12 @@ int parseFeature(std::string_view word);  // a name, or any number that a caller
 grpc::StatusCode parseFailure(std::string_view word);            // a name or 1 to 16
 std::chrono::milliseconds parseDuration(std::string_view word);  // 250ms, 1.5s, up to an hour
 int parseNumber(std::string_view word, std::string_view what);   // a 32-bit number
+int parseAtLeast(int least, std::string_view word, std::string_view what);
+float parsePosition(std::string_view word);       // 0 to 1
+std::string parseAddress(std::string_view word);  // HOST:PORT
+
+// Whether a word means a time, be it a good one or not.
+bool isDuration(std::string_view word);
 
 // "a, b or c"
 std::string alternatives(const std::vector<std::string_view>& words);

@@ -11,7 +11,8 @@
 #include <memory>
 #include <system_error>
 
-#include "Commands.h"
+#include "CommandGroups.h"
+#include "DisplayService.h"
 #include "LineInput.h"
 #include "PeerServer.h"
 #include "RobotService.h"
@@ -21,38 +22,49 @@ namespace {
 
 constexpr int kWrongUsage = 1;
 constexpr int kCannotListen = 2;
+constexpr int kCommandFailed = 3;
+
+constexpr const char* kOff = "off";
 
 struct Options {
   std::string robot = MURLINK_ROBOT_ENDPOINT;
+  std::string display = MURLINK_DISPLAY_ENDPOINT;
   std::string script;
   bool json = false;
   bool stay = false;
 };
 
 std::string checkAddress(const std::string& address) {
-  const auto colon = address.rfind(':');
-  const std::string port = colon == std::string::npos ? "" : address.substr(colon + 1);
-  const bool digits = !port.empty() && port.size() <= 5 &&
-                      port.find_first_not_of("0123456789") == std::string::npos;
-  if (colon == 0 || !digits || std::stoi(port) > 65535) {
+  try {
+    if (address != kOff) {
+      simulator::parseAddress(address);
+    }
+    return "";
+  } catch (const simulator::Misunderstood&) {
     return "\"" + address +
-           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 takes a free one)";
+           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 takes a free one), or off";
   }
-  return "";
+}
+
+void defineSide(CLI::App& app, const char* name, std::string& address, const char* help) {
+  app.add_option(name, address, help)
+      ->type_name("HOST:PORT|off")
+      ->check(CLI::Validator(checkAddress, "", "address"))
+      ->capture_default_str();
 }
 
 void defineOptions(CLI::App& app, Options& options) {
-  app.add_option("--robot", options.robot, "where the robot-side service listens")
-      ->type_name("HOST:PORT")
-      ->check(CLI::Validator(checkAddress, "", "address"))
-      ->capture_default_str();
+  defineSide(app, "--robot", options.robot, "where the robot-side service listens");
+  defineSide(app, "--display", options.display, "where the display-side service listens");
   app.add_option("--script", options.script, "file of commands to carry out before standard input")
       ->type_name("FILE");
   app.add_flag("--json", options.json, "print one JSON object a line, for machines");
   app.add_flag("--stay", options.stay, "go on after the end of standard input, until SIGTERM");
   app.footer(
       "Commands are read from standard input, one a line; \"help\" explains them.\n"
-      "Exit codes: 0 ended as asked, 1 wrong usage, 2 the address cannot be listened on.");
+      "Exit codes: 0 ended as asked, 1 wrong usage, 2 an address cannot be listened on, 3 a "
+      "command "
+      "failed (its answer was an error).");
 }
 
 void carryOut(int descriptor, simulator::Simulation& simulation, simulator::Commands& commands) {
@@ -75,18 +87,43 @@ Script openScript(const std::string& path) {
   return script;
 }
 
-void run(const Options& options) {
+// A side of the simulator; null when it is left out.
+std::unique_ptr<simulator::PeerServer> listen(const std::string& address, grpc::Service& service) {
+  return address == kOff ? nullptr : std::make_unique<simulator::PeerServer>(address, service);
+}
+
+void tellReady(simulator::Journal& journal, const char* side,
+               const std::unique_ptr<simulator::PeerServer>& server) {
+  if (server != nullptr) {
+    journal.write({std::string(side) + " side ready on " + server->address(),
+                   {{"event", "ready"}, {"side", side}, {"address", server->address()}}});
+  }
+}
+
+void addCommands(simulator::Commands& commands, simulator::Simulation& simulation) {
+  simulator::addPeerCommands(commands, simulation);
+  simulator::addRecogniserCommands(commands, simulation);
+  simulator::addScriptCommands(commands, simulation);
+  simulator::addExpectCommand(commands, simulation);
+  simulator::addGeneralCommands(commands, simulation);
+}
+
+// Returns the exit code.
+int run(const Options& options) {
   using simulator::Journal;
   const Script script = openScript(options.script);
   simulator::Simulation simulation(std::cout,
                                    options.json ? Journal::Format::Json : Journal::Format::Text);
   const simulator::SignalWatch watch(simulation.ending);
-  simulator::RobotService service(simulation);
-  const simulator::PeerServer server(options.robot, service);
-  simulation.journal.write({"robot side ready on " + server.address(),
-                            {{"event", "ready"}, {"robot", server.address()}}});
+  simulator::RobotService robot(simulation);
+  simulator::DisplayService display(simulation);
+  const auto robot_side = listen(options.robot, robot);
+  const auto display_side = listen(options.display, display);
+  tellReady(simulation.journal, "robot", robot_side);
+  tellReady(simulation.journal, "display", display_side);
 
-  simulator::Commands commands(simulation);
+  simulator::Commands commands;
+  addCommands(commands, simulation);
   if (script != nullptr) {
     carryOut(fileno(script.get()), simulation, commands);
   }
@@ -95,7 +132,8 @@ void run(const Options& options) {
     while (simulation.ending.sleep(std::chrono::hours(1))) {
     }
   }
-  simulation.ending.request();  // handlers that still wait must let go before the server can end
+  simulation.ending.request();  // handlers that still wait must let go before the servers can end
+  return commands.failed() ? kCommandFailed : 0;
 }
 
 }  // namespace
@@ -107,8 +145,9 @@ int main(int argc, char** argv) {
   std::signal(SIGPIPE, SIG_IGN);
 
   try {
-    CLI::App app("Plays the robot-side service that libmurlink-robot talks to.",
-                 "murlink-simulator");
+    CLI::App app(
+        "Plays the services that libmurlink-robot talks to, and the feet that press its buttons.",
+        "murlink-simulator");
     Options options;
     defineOptions(app, options);
     try {
@@ -116,7 +155,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
       return app.exit(error) == 0 ? 0 : kWrongUsage;
     }
-    run(options);
+    return run(options);
   } catch (const simulator::CannotListen& error) {
     std::cerr << "murlink-simulator: " << error.what() << "\n";
     return kCannotListen;
@@ -124,5 +163,4 @@ int main(int argc, char** argv) {
     std::cerr << "murlink-simulator: " << error.what() << "\n";
     return kWrongUsage;
   }
-  return 0;
 }

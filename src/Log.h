@@ -32,8 +32,7 @@ constexpr const char* baseName(std::string_view path) {
 #define LOG_INFO(...) logLine(Level::Info, HERE, __VA_ARGS__)
 #define LOG_ERROR(...) logLine(Level::Error, HERE, __VA_ARGS__)
 
-// Logs `body`, a printf format without prefix and newline. Does not block beyond the platform's
-// log.
+// Logs `body`, a printf format without prefix and newline, of which 1023 characters are shown.
 [[gnu::format(printf, 3, 4)]] void logLine(Level level, const CallSite& site, const char* body,
                                            ...);
 

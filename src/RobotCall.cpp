@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RobotCall.h"
 
-#include "RobotChannel.h"
-
 namespace {
 
 constexpr std::chrono::seconds kDeadline{2};
 
 }  // namespace
 
-Reply call(const Command& command) {
+RobotCall prepare(const Command& command) {
   IntMessage request;
   request.set_x(command.feature.selector);
-  return call(*stub, command.rpc, request, kDeadline);
+  return {command.rpc, std::move(request), kDeadline};
 }
 
 const Verdict& judge(const Command& command, const Reply& reply) {

@@ -9,8 +9,7 @@
 #include "UnaryCall.h"
 
 using RobotStub = zet::protobuf::app::Quarlo_RB_GRPC::Stub;
-using RobotRpc = grpc::Status (RobotStub::*)(grpc::ClientContext*, const IntMessage&,
-                                             StatusResponse*);
+using RobotCall = UnaryCall<RobotStub, IntMessage>;
 
 // How the robot side tells the features apart.
 enum Selector { kSelectGestureRecognition = 1, kSelectFootTouch = 2 };
@@ -33,14 +32,14 @@ struct Feature {
 
 struct Command {
   const Feature& feature;
-  RobotRpc rpc;
+  RobotCall::Rpc rpc;
   Verdict done;
   Verdict already;
   Verdict not_ok;
 };
 
-// Sends the command through the shared stub, which must exist. Blocks for 2 s at most.
-Reply call(const Command& command);
+// The call that carries out a command. It has 2 s from now on.
+RobotCall prepare(const Command& command);
 
 // Which verdict a reply earns. Looks at the status code and, only when that is OK, at the answer.
 const Verdict& judge(const Command& command, const Reply& reply);

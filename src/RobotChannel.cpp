@@ -14,7 +14,7 @@ std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub> stub;
 void initialize_grpc_client() {
   static std::once_flag init_flag;
   std::call_once(init_flag, [] {
-    // Never undone: gRPC has to outlive every call that may still run while the process exits.
+    // Never undone: whatever else in the process uses gRPC and lets go of it, ours stays usable.
     grpc_init();
     robot_server_address = MURLINK_ROBOT_ENDPOINT;
     channel = grpc::CreateChannel(robot_server_address, grpc::InsecureChannelCredentials());

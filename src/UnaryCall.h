@@ -7,6 +7,7 @@
 #include <grpcpp/support/status.h>
 
 #include <chrono>
+#include <utility>
 
 #include "Quarlo_Platform.pb.h"
 
@@ -16,16 +17,30 @@ struct Reply {
   int s = 0;
 };
 
-// Blocks until the peer answers, the call fails, or `deadline` has passed. Never tries again.
+// Made in one step and sent in another, because some commands log between the two.
 template <typename Stub, typename Request>
-Reply call(Stub& stub,
-           grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&, StatusResponse*),
-           const Request& request, std::chrono::seconds deadline) {
-  grpc::ClientContext context;
-  context.set_deadline(std::chrono::system_clock::now() + deadline);
-  StatusResponse response;
-  grpc::Status status = (stub.*rpc)(&context, request, &response);
-  return {std::move(status), response.s()};
-}
+class UnaryCall {
+ public:
+  using Rpc = grpc::Status (Stub::*)(grpc::ClientContext*, const Request&, StatusResponse*);
+
+  // The deadline counts from here, not from send().
+  UnaryCall(Rpc rpc, Request request, std::chrono::seconds deadline)
+      : rpc_(rpc), request_(std::move(request)) {
+    context_.set_deadline(std::chrono::system_clock::now() + deadline);
+  }
+
+  // Blocks until the peer answers, the call fails, or the deadline has passed. Once only.
+  Reply send(Stub& stub) {
+    StatusResponse response;
+    grpc::Status status = (stub.*rpc_)(&context_, request_, &response);
+    const int s = status.ok() ? response.s() : 0;
+    return {std::move(status), s};
+  }
+
+ private:
+  const Rpc rpc_;
+  const Request request_;
+  grpc::ClientContext context_;
+};
 
 #endif

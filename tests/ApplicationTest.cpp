@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "support/ChildProcess.h"
+#include "support/Conversation.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
@@ -75,6 +78,50 @@ TEST(GestureExample, FailsWhenNobodyListens) {
 
   EXPECT_EQ(finished.exit_code, 1);
   EXPECT_EQ(finished.out, "switch on: failed with code 26710\n");
+}
+
+TEST(FootTouchExample, PrintsPressesUntilEnter) {
+  SimulatorProcess peers;
+  Conversation example({FOOT_TOUCH_EXAMPLE});
+  example.waitFor("Press Enter");
+
+  peers.command("touch 0.1");
+  peers.command("lift");
+  peers.command("tap 2");
+  example.say("\n");
+
+  EXPECT_EQ(example.end(), 0);
+  EXPECT_EQ(example.output(),
+            "Two buttons are there. Press Enter to end.\n"
+            "button 1 pressed\n"
+            "button 1 released\n"
+            "button 2 pressed\n"
+            "button 2 released\n"
+            "Ended.\n");
+  EXPECT_EQ(peers.command("state").at("states").at("foot-touch"), "off");
+}
+
+TEST(FootTouchExample, FailsWhenNobodyListens) {
+  const Finished finished = run({FOOT_TOUCH_EXAMPLE});
+
+  EXPECT_EQ(finished.exit_code, 1);
+  EXPECT_THAT(finished.err, HasSubstr("foot touch is not to be had: 4"));
+}
+
+TEST(UntidyApplication, LeavesWithoutFinalisingWhilePressesArriveFiftyTimes) {
+  SimulatorProcess peers;
+  for (int i = 0; i < 50; ++i) {
+    peers.command("reset");
+    SimulatorProcess recogniser({"--robot", "off", "--display", "off"});
+    recogniser.command("callback " MURLINK_DISPLAY_HOST ":26711");
+    Conversation application({EXIT_PROBE});
+    peers.command("wait program_run foot-touch");
+    auto presses =
+        std::async(std::launch::async, [&] { recogniser.command("repeat 500 tap 1 --force"); });
+
+    EXPECT_EQ(application.end(), 0) << "run " << i;
+    presses.get();
+  }
 }
 
 TEST(ManualExample, GoesThroughAWholeLife) {

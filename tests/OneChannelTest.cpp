@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -27,6 +28,7 @@ std::shared_ptr<Channel> CreateChannel(const std::string& target,
 
 namespace {
 
+std::atomic<bool> refuse_channel{false};
 std::atomic<int> channels{0};
 std::atomic<int> inits{0};
 std::atomic<int> shutdowns{0};
@@ -49,6 +51,9 @@ Function* original(Function* taken_over) {
 
 std::shared_ptr<grpc::Channel> grpc::CreateChannel(
     const std::string& target, const std::shared_ptr<ChannelCredentials>& credentials) {
+  if (refuse_channel) {
+    throw std::bad_alloc();
+  }
   ++channels;
   return original(&grpc::CreateChannel)(target, credentials);
 }
@@ -64,6 +69,21 @@ extern "C" void grpc_shutdown() {
 }
 
 namespace {
+
+// First of all, while there is no channel yet.
+TEST(RobotChannel, IsTriedAgainAfterAFailureToMakeIt) {
+  refuse_channel = true;
+  EXPECT_THROW(initialize_grpc_client(), std::bad_alloc);
+  EXPECT_THROW(FootTouchGrpcClient::getInstance(), std::bad_alloc);
+  EXPECT_EQ(FootTouchGrpcClient::_instance, nullptr);
+  refuse_channel = false;
+
+  EXPECT_NE(FootTouchGrpcClient::getInstance(), nullptr);
+
+  EXPECT_EQ(channels, 1);
+  delete FootTouchGrpcClient::getInstance();
+  FootTouchGrpcClient::setInstance(nullptr);
+}
 
 TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
   std::atomic<bool> go{false};
@@ -85,7 +105,7 @@ TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
       }
     });
   }
-  ASSERT_EQ(channels, 0) << "the channel is made on the first need, not at load";
+  EXPECT_EQ(channels, 0) << "the channel is made on the first need, not at load";
 
   go = true;
   for (std::thread& caller : callers) {

@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
+#include <thread>
 
 #include "FootTouchGrpcClient.h"
 #include "GestureRecognition.h"
@@ -58,14 +60,11 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
   *out << outcome.name;
 }
 
-Operation gesture(const char* name, int (GestureRecognition::*run)(), const char* origin,
-                  const char* rpc, std::vector<const char*> lines_before, const char* done,
-                  Ending already, const char* not_ok) {
+Operation gesture(const char* name, int (*run)(), const char* origin, const char* rpc,
+                  std::vector<const char*> lines_before, const char* done, Ending already,
+                  const char* not_ok) {
   return {name,
-          [run] {
-            GestureRecognition controller;
-            return (controller.*run)();
-          },
+          run,
           origin,
           rpc,
           1,
@@ -97,22 +96,20 @@ Operation footTouch(const char* name, int (IFootTouchGrpcClient::*run)(), const 
 
 std::vector<Operation> operations() {
   return {
-      gesture("GestureInitialize", &GestureRecognition::Initialize,
+      gesture("GestureInitialize", gesture_recognition_initialize,
               "GestureRecognition.cpp: Initialize", "service_On", {"1,2----"},
               "gesture recognition service initialize OK",
               {4, "gesture recognition service initialize failed, service already initialized", 1},
               "gesture recognition service initialize failed, status not ok."),
-      gesture("GestureStart", &GestureRecognition::StartRecognition,
-              "GestureRecognition.cpp: StartRecognition", "program_run", {},
-              "gesture recognition run OK",
+      gesture("GestureStart", start_gesture_recognition, "GestureRecognition.cpp: StartRecognition",
+              "program_run", {}, "gesture recognition run OK",
               {4, "gesture recognition run failed, recognition already running", 2},
               "gesture recognition run failed, status not ok."),
-      gesture("GestureStop", &GestureRecognition::StopRecognition,
-              "GestureRecognition.cpp: StopRecognition", "program_stop", {},
-              "gesture recognition stopped, status OK",
+      gesture("GestureStop", stop_gesture_recognition, "GestureRecognition.cpp: StopRecognition",
+              "program_stop", {}, "gesture recognition stopped, status OK",
               {4, "gesture recognition stop failed, service not running", 3},
               "gesture recognition stop failed, status not ok."),
-      gesture("GestureFinalize", &GestureRecognition::Finalize, "GestureRecognition.cpp: Finalize",
+      gesture("GestureFinalize", gesture_recognition_finalize, "GestureRecognition.cpp: Finalize",
               "program_stop", {}, "gesture recognition service finalize OK",
               {4, "gesture recognition service finalize failed, service already finalized", 4},
               "gesture recognition service finalize failed, status not ok."),
@@ -174,14 +171,14 @@ std::vector<LogLine> expectedLines(const Operation& operation, const Ending& end
 
 // Runs an operation and checks its result and every line that it logs.
 void expectEnding(const Operation& operation, Ending Operation::*which, int answer = 0) {
-  FootTouchGrpcClient::getInstance();  // creates it now, not between the lines
+  GestureRecognition::GetInstance();  // both are created now, not between the lines
+  FootTouchGrpcClient::getInstance();
   const LogCapture log;
   const int result = operation.run();
 
   std::vector<LogLine> lines = log.lines();
-  if (operation.selector == 2) {
-    lines.erase(lines.begin());  // "get instance"
-  }
+  ASSERT_FALSE(lines.empty());
+  lines.erase(lines.begin());  // "GetInstance" or "get instance"
   const Ending& ending = operation.*which;
   EXPECT_EQ(result, ending.result);
   EXPECT_THAT(lines, ElementsAreArray(expectedLines(operation, ending, answer)));
@@ -239,6 +236,18 @@ TEST_P(EveryOperation, TakesAnAnswerThatComesInTime) {
   EXPECT_GE(steady_clock::now() - start, milliseconds(500));
 }
 
+TEST_P(EveryOperation, HasItsTwoSecondsBeforeItLogsThatItBegins) {
+  SimulatorProcess robot;
+  robot.command("when any any answer 0");
+  const SlowLog slow("begin", milliseconds(300));
+
+  GetParam().run();
+
+  // The line "begin" comes between the deadline and the call, where there is such a line.
+  const bool has_begin = !GetParam().lines_before.empty() && GetParam().selector == 2;
+  EXPECT_LE(robot.calls().at(0).at("deadline_ms"), has_begin ? 1750 : 2100);
+}
+
 TEST_P(EveryOperation, FailsWhenNobodyListens) {
   expectEnding(GetParam(), &Operation::not_ok);
 }
@@ -250,6 +259,54 @@ TEST_P(EveryOperation, WorksAgainAfterAFailure) {
   robot.command("when any any answer 0");
 
   expectEnding(GetParam(), &Operation::done);
+}
+
+TEST(ProgramRun, SaysThatItIsDoneOnlyAfterTheCall) {
+  SimulatorProcess robot;
+  robot.command("when program_run any wait 300ms");
+  FootTouchGrpcClient client;
+  const LogCapture log;
+
+  client.programRun();
+
+  const auto lines = log.lines();
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_GE(lines[2].when - lines[1].when, milliseconds(300));
+}
+
+TEST(ProgramStop, SaysThatItIsDoneOnlyAfterTheCall) {
+  SimulatorProcess robot;
+  robot.command("when program_stop any wait 300ms");
+  FootTouchGrpcClient client;
+  const LogCapture log;
+
+  client.programStop();
+
+  const auto lines = log.lines();
+  ASSERT_EQ(lines.size(), 4U);
+  EXPECT_GE(lines[2].when - lines[1].when, milliseconds(300));
+}
+
+TEST(Commands, ShareTheChannelFromEightThreadsAtOnce) {
+  SimulatorProcess robot;
+  robot.command("when any any answer 0");
+  GestureRecognition controller;
+  FootTouchGrpcClient client;
+  std::atomic<int> failures{0};
+  std::vector<std::thread> callers;
+  for (int i = 0; i < 8; ++i) {
+    callers.emplace_back([&, i] {
+      for (int n = 0; n < 50; ++n) {
+        failures += i % 2 == 0 ? controller.StartRecognition() : client.programRun();
+      }
+    });
+  }
+  for (std::thread& caller : callers) {
+    caller.join();
+  }
+
+  EXPECT_EQ(failures, 0);
+  EXPECT_EQ(robot.calls().size(), 400U);
 }
 
 INSTANTIATE_TEST_SUITE_P(Robot, EveryOperation, ::testing::ValuesIn(operations()),

@@ -31,17 +31,26 @@ std::string typeOf(const FieldDescriptor& field) {
 std::string textOf(const FieldDescriptor& field) {
   return std::to_string(field.number()) + (field.is_repeated() ? " repeated " : " ") +
          typeOf(field) + " " + std::string(field.name()) +
+         (field.options().ByteSizeLong() > 0 ? " (options)" : "") +
          (field.has_presence() && field.message_type() == nullptr ? " (explicit presence)" : "");
 }
 
 std::vector<std::string> textOf(const FileDescriptor& file) {
   std::vector<std::string> lines{"package " + std::string(file.package())};
+  if (file.enum_type_count() > 0 || file.extension_count() > 0 ||
+      file.options().ByteSizeLong() > 0) {
+    lines.emplace_back("something else");
+  }
   for (int i = 0; i < file.dependency_count(); ++i) {
     lines.push_back("import " + std::string(file.dependency(i)->name()));
   }
   for (int i = 0; i < file.message_type_count(); ++i) {
     const auto& message = *file.message_type(i);
     lines.push_back("message " + std::string(message.full_name()));
+    if (message.nested_type_count() > 0 || message.enum_type_count() > 0 ||
+        message.oneof_decl_count() > 0 || message.options().ByteSizeLong() > 0) {
+      lines.emplace_back("something else");
+    }
     for (int j = 0; j < message.field_count(); ++j) {
       lines.push_back(textOf(*message.field(j)));
     }

@@ -12,7 +12,7 @@ function(configure_endpoints variable value result_variable output_variable)
 endfunction()
 
 foreach(variable IN ITEMS MURLINK_ROBOT_HOST MURLINK_DISPLAY_HOST)
-  foreach(value IN ITEMS 127.0.0.1 10.0.0.1 192.168.250.199 255.249.99.9)
+  foreach(value IN ITEMS 127.0.0.9 10.0.0.1 192.168.250.199 255.249.99.9)
     configure_endpoints(${variable} ${value} result output)
     if(NOT result EQUAL 0)
       message(SEND_ERROR "${variable}=${value} was refused: ${output}")
@@ -27,6 +27,12 @@ foreach(variable IN ITEMS MURLINK_ROBOT_HOST MURLINK_DISPLAY_HOST)
     endif()
   endforeach()
 endforeach()
+
+# Each host is a host of its own.
+configure_endpoints(MURLINK_ROBOT_HOST 127.0.0.2 result output)
+if(result EQUAL 0 OR NOT output MATCHES "hosts of their own")
+  message(SEND_ERROR "one host for both services: result ${result}, said: ${output}")
+endif()
 
 # The check is part of the project's own configuration.
 execute_process(

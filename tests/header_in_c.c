@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* The public header alone, first and twice, as any C standard since C89 must accept it. */
+/* The public header alone, first and again at the end, as any C standard since C89 must accept it. */
 #include "murlink_robot.h"
 
 static void on_button(int id, int state, void* user_data) {
@@ -18,3 +18,5 @@ int use_everything(void) {
          start_gesture_recognition() + stop_gesture_recognition() + gesture_recognition_finalize() +
          same_record.id;
 }
+
+#include "murlink_robot.h"

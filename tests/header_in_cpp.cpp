@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The public header alone, first and twice, as any C++ standard since C++11 must accept it.
+// The public header alone, first and again at the end, as any C++ standard since C++11 must accept it.
 #include "murlink_robot.h"
 
 int useEverything();
@@ -13,3 +13,5 @@ int useEverything() {
          stop_foot_touch() + foot_touch_finalize() + gesture_recognition_initialize() +
          start_gesture_recognition() + stop_gesture_recognition() + gesture_recognition_finalize();
 }
+
+#include "murlink_robot.h"

@@ -2,25 +2,36 @@
 #include "PlatformCapture.h"
 
 #include <array>
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
+#include <mutex>
 #include <ostream>
 #include <regex>
-
-#include "murlink_platform.h"
+#include <thread>
 
 namespace {
 
-std::atomic<LogCapture*> current_capture{nullptr};
-std::atomic<Device*> current_device{nullptr};
+// What the library's threads find; they may log while the test goes on, and until the process ends.
+struct Platform {
+  std::mutex mutex;
+  LogCapture* capture = nullptr;
+  Device* device = nullptr;
+  std::string slow_text;
+  std::chrono::milliseconds slowness{0};
+};
+
+Platform& platform() {
+  static auto* const platform = new Platform;
+  return *platform;
+}
 
 LogLine line(int priority, std::string_view separator, std::string_view origin,
              std::string_view body) {
   const auto colon = origin.find(": ");
   std::string text(origin.substr(0, colon));
   text.append(separator).append(origin.substr(colon + 2)).append("(#) > ").append(body);
-  return {priority, "murlink", text + "\n"};
+  return {priority, "murlink", text + "\n", {}};
 }
 
 }  // namespace
@@ -32,18 +43,23 @@ int dlog_print(int priority, const char* tag, const char* format, ...) {
   const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
 
-  if (LogCapture* const capture = current_capture) {
-    static const std::regex line_number(R"(\([1-9]\d*\) > )");
-    capture->add({priority, tag,
-                  std::regex_replace(text.data(), line_number, "(#) > ",
-                                     std::regex_constants::format_first_only)});
+  std::unique_lock<std::mutex> lock(platform().mutex);
+  if (platform().capture != nullptr) {
+    platform().capture->add(priority, tag, text.data());
+  }
+  if (platform().slowness.count() > 0 &&
+      std::strstr(text.data(), platform().slow_text.c_str()) != nullptr) {
+    const auto slowness = platform().slowness;
+    lock.unlock();
+    std::this_thread::sleep_for(slowness);
   }
   return length;
 }
 
 int system_info_get_custom_bool(const char* key, bool* value) {
-  if (Device* const device = current_device) {
-    return device->answer(key, value);
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  if (platform().device != nullptr) {
+    return platform().device->answer(key, value);
   }
   *value = true;
   return 0;
@@ -71,39 +87,64 @@ std::string shown(const void* pointer) {
   return text.data();
 }
 
-LogCapture::LogCapture() {
-  current_capture = this;
+LogCapture::LogCapture(Mode mode) : mode_(mode) {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().capture = this;
 }
 
 LogCapture::~LogCapture() {
-  current_capture = nullptr;
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().capture = nullptr;
 }
 
 std::vector<LogLine> LogCapture::lines() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<std::mutex> lock(platform().mutex);
   return lines_;
 }
 
-void LogCapture::add(LogLine line) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  lines_.push_back(std::move(line));
+std::size_t LogCapture::count() const {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  return count_;
+}
+
+void LogCapture::add(int priority, const char* tag, const char* text) {
+  static const std::regex line_number(R"(\([1-9]\d*\) > )");
+  ++count_;
+  if (mode_ == Keeping) {
+    lines_.push_back(
+        {priority, tag,
+         std::regex_replace(text, line_number, "(#) > ", std::regex_constants::format_first_only),
+         std::chrono::steady_clock::now()});
+  }
+}
+
+SlowLog::SlowLog(const char* text, std::chrono::milliseconds delay) {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().slow_text = text;
+  platform().slowness = delay;
+}
+
+SlowLog::~SlowLog() {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().slowness = std::chrono::milliseconds(0);
 }
 
 Device::Device(bool knows_lens, bool lens) : knows_lens_(knows_lens), lens_(lens) {
-  current_device = this;
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().device = this;
 }
 
 Device::~Device() {
-  current_device = nullptr;
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  platform().device = nullptr;
 }
 
 std::vector<Device::Question> Device::questions() const {
-  const std::lock_guard<std::mutex> lock(mutex_);
+  const std::lock_guard<std::mutex> lock(platform().mutex);
   return questions_;
 }
 
 int Device::answer(const char* key, bool* value) {
-  const std::lock_guard<std::mutex> lock(mutex_);
   questions_.push_back({key, std::chrono::steady_clock::now()});
   if (!knows_lens_) {
     return -1;

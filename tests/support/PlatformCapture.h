@@ -6,16 +6,18 @@
 
 #include <chrono>
 #include <iosfwd>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "murlink_platform.h"
 
 // A line as the platform gets it, except that the source line number is replaced by #.
 struct LogLine {
   int priority;
   std::string tag;
   std::string text;
+  std::chrono::steady_clock::time_point when = {};  // not compared
 };
 
 bool operator==(const LogLine& a, const LogLine& b);
@@ -28,20 +30,36 @@ LogLine errorLine(std::string_view origin, std::string_view body);
 // A pointer as "%p" shows it.
 std::string shown(const void* pointer);
 
-// Collects the lines of all threads while it lives; one at a time.
+// Collects the lines of all threads while it lives; one at a time. Counting only, it is fast.
 class LogCapture {
  public:
-  LogCapture();
+  enum Mode { Keeping, Counting };
+
+  explicit LogCapture(Mode mode = Keeping);
   ~LogCapture();
   LogCapture(const LogCapture&) = delete;
   LogCapture& operator=(const LogCapture&) = delete;
 
   std::vector<LogLine> lines() const;
-  void add(LogLine line);
+  std::size_t count() const;
 
  private:
-  mutable std::mutex mutex_;
+  friend int dlog_print(int priority, const char* tag, const char* format, ...);
+
+  const Mode mode_;
   std::vector<LogLine> lines_;
+  std::size_t count_ = 0;
+
+  void add(int priority, const char* tag, const char* text);
+};
+
+// A platform whose log takes its time over lines that contain a text, while it lives; one at a time.
+class SlowLog {
+ public:
+  SlowLog(const char* text, std::chrono::milliseconds delay);
+  ~SlowLog();
+  SlowLog(const SlowLog&) = delete;
+  SlowLog& operator=(const SlowLog&) = delete;
 };
 
 // The device while it lives, one at a time: whether it knows the key of the lens, and the value
@@ -59,13 +77,15 @@ class Device {
   Device& operator=(const Device&) = delete;
 
   std::vector<Question> questions() const;
-  int answer(const char* key, bool* value);
 
  private:
+  friend int system_info_get_custom_bool(const char* key, bool* value);
+
   const bool knows_lens_;
   const bool lens_;
-  mutable std::mutex mutex_;
   std::vector<Question> questions_;
+
+  int answer(const char* key, bool* value);
 };
 
 #endif

@@ -12,23 +12,35 @@
 namespace {
 
 constexpr std::chrono::seconds kLimit{10};
+// Longer than the simulator waits for the library to answer a press.
+constexpr std::chrono::seconds kAnswerLimit{40};
 
-std::vector<std::string> commandLine(std::vector<std::string> options) {
+std::vector<std::string> commandLine(const std::vector<std::string>& options) {
   std::vector<std::string> command{MURLINK_SIMULATOR, "--json"};
   command.insert(command.end(), options.begin(), options.end());
   return command;
 }
 
+bool leavesOut(const std::vector<std::string>& options, const std::string& side) {
+  const auto option = std::find(options.begin(), options.end(), "--" + side);
+  return option != options.end() && std::next(option) != options.end() &&
+         *std::next(option) == "off";
+}
+
 }  // namespace
 
-SimulatorProcess::SimulatorProcess(std::vector<std::string> options)
-    : process_(spawn(commandLine(std::move(options)), {},
-                     {input_.readEnd(), output_.writeEnd(), STDERR_FILENO})) {
+SimulatorProcess::SimulatorProcess(const std::vector<std::string>& options)
+    : process_(
+          spawn(commandLine(options), {}, {input_.readEnd(), output_.writeEnd(), STDERR_FILENO})) {
   input_.closeReadEnd();
   output_.closeWriteEnd();
   reader_ = std::thread([this] { readOutput(); });
   try {
-    waitForEvent([](const Json& event) { return event.at("event") == "ready"; });
+    for (const char* side : {"robot", "display"}) {
+      if (!leavesOut(options, side)) {
+        address(side);
+      }
+    }
   } catch (...) {
     ::kill(process_, SIGKILL);
     waitForEnd();
@@ -44,11 +56,12 @@ SimulatorProcess::~SimulatorProcess() {
 }
 
 SimulatorProcess::Json SimulatorProcess::command(const std::string& line) {
+  const std::lock_guard<std::mutex> turn(one_command_);
   std::unique_lock<std::mutex> lock(mutex_);
   const std::size_t before = answers_.size();
   const std::string text = line + "\n";
   if (write(input_.writeEnd(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-      !changed_.wait_for(lock, kLimit, [&] { return answers_.size() > before; })) {
+      !changed_.wait_for(lock, kAnswerLimit, [&] { return answers_.size() > before; })) {
     throw std::runtime_error("the simulator did not answer: " + line);
   }
   Json answer = answers_.back();
@@ -59,12 +72,22 @@ SimulatorProcess::Json SimulatorProcess::command(const std::string& line) {
 }
 
 std::vector<SimulatorProcess::Json> SimulatorProcess::calls() {
-  command("state");  // its answer comes after everything that was printed before
-  const std::lock_guard<std::mutex> lock(mutex_);
-  std::vector<Json> calls;
-  std::copy_if(events_.begin(), events_.end(), std::back_inserter(calls),
-               [](const Json& event) { return event.at("event") == "call"; });
-  return calls;
+  return events([](const Json& event) { return event.at("event") == "call"; });
+}
+
+std::vector<SimulatorProcess::Json> SimulatorProcess::calls(const std::string& rpc) {
+  return events(
+      [&](const Json& event) { return event.at("event") == "call" && event.at("rpc") == rpc; });
+}
+
+std::vector<SimulatorProcess::Json> SimulatorProcess::presses() {
+  return events([](const Json& event) { return event.at("event") == "press"; });
+}
+
+std::string SimulatorProcess::address(const std::string& side) {
+  const Json ready = waitForEvent(
+      [&](const Json& event) { return event.at("event") == "ready" && event.at("side") == side; });
+  return ready.at("address");
 }
 
 SimulatorProcess::Json SimulatorProcess::waitForEvent(
@@ -95,6 +118,15 @@ int SimulatorProcess::waitForEnd() {
   running_ = false;
   reader_.join();
   return status;
+}
+
+std::vector<SimulatorProcess::Json> SimulatorProcess::events(
+    const std::function<bool(const Json&)>& wanted) {
+  command("state");  // its answer comes after everything that was printed before
+  const std::lock_guard<std::mutex> lock(mutex_);
+  std::vector<Json> found;
+  std::copy_if(events_.begin(), events_.end(), std::back_inserter(found), wanted);
+  return found;
 }
 
 void SimulatorProcess::readOutput() {

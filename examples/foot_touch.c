@@ -1,0 +1,44 @@
+/* SPDX-License-Identifier: Apache-2.0 */
+/* Shows two buttons on the display and prints each press and release, until Enter is pressed. */
+#include <stdio.h>
+
+#include "murlink_robot.h"
+
+/* Runs on a thread of the library: keep it short, and guard what it shares with the application. */
+static void on_button(int id, int state, void* user_data) {
+  const char* prefix = user_data;
+  printf("%s %d %s\n", prefix, id, state == 1 ? "pressed" : "released");
+  fflush(stdout);
+}
+
+int main(void) {
+  static char prefix[] = "button";
+  const button buttons[] = {{1, 0.0F, 0.4F}, {2, 0.6F, 1.0F}};
+
+  int result = foot_touch_initialize();
+  if (result != FOOT_TOUCH_ERROR_NONE) {
+    fprintf(stderr, "foot touch is not to be had: %d\n", result);
+    return 1;
+  }
+
+  /* After foot_touch_initialize(): a callback that is set earlier is never called. */
+  foot_touch_set_button_cb(on_button, prefix);
+  result = foot_touch_set_buttons(buttons, 2);
+  if (result == FOOT_TOUCH_ERROR_NONE) {
+    result = start_foot_touch();
+  }
+  if (result == FOOT_TOUCH_ERROR_NONE) {
+    puts("Two buttons are there. Press Enter to end.");
+    fflush(stdout);
+    getchar();
+    result = stop_foot_touch();
+  }
+
+  const int end = foot_touch_finalize();
+  if (result != FOOT_TOUCH_ERROR_NONE || end != FOOT_TOUCH_ERROR_NONE) {
+    fprintf(stderr, "foot touch failed: %d, and %d at its end\n", result, end);
+    return 1;
+  }
+  puts("Ended.");
+  return 0;
+}

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "CallPattern.h"
+
+#include <algorithm>
+
+#include "Vocabulary.h"
+
+namespace simulator {
+namespace {
+
+bool contains(const std::vector<std::string_view>& names, std::string_view name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+}  // namespace
+
+bool fits(const CallPattern& pattern, std::string_view rpc, std::optional<int> feature) {
+  return (!pattern.rpc || *pattern.rpc == rpc) && (!pattern.feature || pattern.feature == feature);
+}
+
+std::string describe(const CallPattern& pattern) {
+  const std::string rpc = pattern.rpc.value_or("any");
+  if (!hasFeature(pattern)) {
+    return rpc;
+  }
+  return rpc + " " + (pattern.feature ? featureName(*pattern.feature) : "any");
+}
+
+CallPattern takeRpc(WordReader& words) {
+  if (words.takeIf("any")) {
+    return {};
+  }
+  std::vector<std::string_view> names = robotRpcs();
+  names.insert(names.end(), displayRpcs().begin(), displayRpcs().end());
+  if (!contains(names, words.peek())) {
+    expected("an rpc (" + alternatives(names) + ", or any)", words.peek());
+  }
+  return {std::string(words.take()), std::nullopt};
+}
+
+bool hasFeature(const CallPattern& pattern) {
+  return !pattern.rpc || !contains(displayRpcs(), *pattern.rpc);
+}
+
+void takeFeature(WordReader& words, CallPattern& pattern) {
+  if (!words.takeIf("any")) {
+    pattern.feature = parseFeature(words.take());
+  }
+}
+
+}  // namespace simulator

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Handling.h"
+
+namespace simulator {
+namespace {
+
+// A reply, and what is told of it.
+struct Reply {
+  grpc::Status status;
+  Message message;
+};
+
+// Everything about a call that is known when it comes in.
+Message called(int number, const Call& call, const grpc::ServerContext& context) {
+  using std::chrono::duration_cast;
+  using std::chrono::milliseconds;
+
+  const std::string peer = context.peer();
+  const std::string from = peer.substr(peer.find(':') + 1);
+  Message message{"call " + std::to_string(number) + ": " + call.rpc + " " + call.request.sentence +
+                      " from " + from,
+                  {{"event", "call"}, {"number", number}, {"side", call.side}, {"rpc", call.rpc}}};
+  message.record.update(call.request.record);
+  message.record["from"] = from;
+  if (context.deadline() != std::chrono::system_clock::time_point::max()) {
+    const auto left =
+        duration_cast<milliseconds>(context.deadline() - std::chrono::system_clock::now());
+    message.sentence += ", waits for at most " + durationText(left);
+    message.record["deadline_ms"] = left.count();
+  }
+  return message;
+}
+
+// Waits until the caller has gone.
+Reply neverAnswer(Ending& ending, const grpc::ServerContext& context) {
+  constexpr std::chrono::milliseconds kGlance{20};
+  while (!context.IsCancelled() && ending.sleep(kGlance)) {
+  }
+  return {grpc::Status::CANCELLED, {"none, the caller gave up", {{"gave_up", true}}}};
+}
+
+Reply fail(grpc::StatusCode status, const std::string& why) {
+  const std::string name = failureName(status);
+  return {grpc::Status(status, why), {"fails with " + name, {{"status", name}}}};
+}
+
+Reply answer(int s, const Call& call, StatusResponse& response) {
+  response.set_s(s);
+  Message message{"s=" + std::to_string(s), {{"s", s}}};
+  const Message remark = call.remark();
+  message.sentence += remark.sentence;
+  if (!remark.record.is_null()) {
+    message.record.update(remark.record);
+  }
+  return {grpc::Status::OK, message};
+}
+
+Reply treat(const Call& call, const Treatment& treatment, Ending& ending,
+            const grpc::ServerContext& context, StatusResponse& response) {
+  if (treatment.never) {
+    return neverAnswer(ending, context);
+  }
+  if (!ending.sleep(treatment.wait)) {
+    return fail(grpc::StatusCode::UNAVAILABLE, "the simulator ends");
+  }
+  if (treatment.fail) {
+    return fail(*treatment.fail, "told to fail");
+  }
+  return answer(treatment.answer ? *treatment.answer : call.behave(), call, response);
+}
+
+// What is told of the end of a call.
+Message ended(int number, const Call& call, const Message& how) {
+  Message message{"reply " + std::to_string(number) + ": " + how.sentence,
+                  {{"event", "reply"}, {"number", number}, {"side", call.side}, {"rpc", call.rpc}}};
+  if (call.feature) {
+    message.record["feature"] = featureName(*call.feature);
+  }
+  message.record.update(how.record);
+  return message;
+}
+
+}  // namespace
+
+grpc::Status handle(Simulation& simulation, const Call& call, const grpc::ServerContext& context,
+                    StatusResponse& response) {
+  const int number = ++simulation.calls;
+  const Treatment treatment = simulation.rules.take(call.rpc, call.feature);
+  const Message arrival = called(number, call, context);
+  simulation.journal.write({arrival.sentence + call.drawing, arrival.record});
+
+  // A script that has waited for a call may count on what it did, unless it was told to take time.
+  const bool at_once = !treatment.never && treatment.wait.count() == 0;
+  if (!at_once) {
+    simulation.history.addCall(call.rpc, call.feature, arrival);
+  }
+  const Reply reply = treat(call, treatment, simulation.ending, context, response);
+  if (at_once) {
+    simulation.history.addCall(call.rpc, call.feature, arrival);
+  }
+  simulation.journal.write(ended(number, call, reply.message));
+  return reply.status;
+}
+
+}  // namespace simulator

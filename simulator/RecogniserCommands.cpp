@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <chrono>
+
+#include "CommandGroups.h"
+#include "Walk.h"
+
+namespace simulator {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr int kFootTouch = 2;
+
+// The last word of every command that presses.
+bool takeForce(WordReader& words) {
+  const bool force = words.takeIf("--force");
+  words.expectEnd();
+  return force;
+}
+
+void sleep(Simulation& simulation, milliseconds duration) {
+  if (!simulation.ending.sleep(duration)) {
+    throw CommandError("the simulator ends");
+  }
+}
+
+// The reports of one command, and where they go. Throws when there is nobody to report to.
+class Reports {
+ public:
+  Reports(Simulation& simulation, bool force) : simulation_(simulation) {
+    const auto state = simulation.robot.state(kFootTouch);
+    if (!force && state != State::Running) {
+      throw CommandError(
+          "foot touch does not run on the simulated robot: let the application start it, put "
+          "\"set foot-touch running\" before, or add --force");
+    }
+    const auto address = simulation.display.address();
+    if (!address) {
+      throw CommandError(
+          "nobody has said where presses are to be reported: let the application initialize foot "
+          "touch, or put \"callback HOST:PORT\" before");
+    }
+    address_ = *address;
+  }
+
+  void add(Edge edge, int id) {
+    const Press press = simulation_.recogniser.report(address_, edge, id);
+    const Message message = describe(press);
+    text_ += (text_.empty() ? "" : ", ") + message.sentence;
+    last_ = message.record;
+    records_.push_back(message.record);
+  }
+
+  // The answer to the command: every report, and the result of the last one by itself.
+  Message answer() const {
+    nlohmann::ordered_json record{{"presses", records_}};
+    for (const char* result : {"s", "status"}) {
+      if (last_.contains(result)) {
+        record[result] = last_[result];
+      }
+    }
+    return ok(text_, record);
+  }
+
+ private:
+  Simulation& simulation_;
+  std::string address_;
+  std::string text_;
+  nlohmann::ordered_json last_;
+  nlohmann::ordered_json records_ = nlohmann::ordered_json::array();
+};
+
+int takeId(WordReader& words) {
+  return parseNumber(words.take(), "the id of a button");
+}
+
+Message reportOne(Simulation& simulation, WordReader& words, Edge edge) {
+  const int id = takeId(words);
+  Reports reports(simulation, takeForce(words));
+  reports.add(edge, id);
+  return reports.answer();
+}
+
+Message press(Simulation& simulation, WordReader& words) {
+  return reportOne(simulation, words, Edge::Press);
+}
+
+Message release(Simulation& simulation, WordReader& words) {
+  return reportOne(simulation, words, Edge::Release);
+}
+
+Message tap(Simulation& simulation, WordReader& words) {
+  const int id = takeId(words);
+  const bool timed = !words.done() && words.peek() != "--force";
+  const milliseconds duration = timed ? parseDuration(words.take()) : milliseconds(0);
+  Reports reports(simulation, takeForce(words));
+  reports.add(Edge::Press, id);
+  sleep(simulation, duration);
+  reports.add(Edge::Release, id);
+  return reports.answer();
+}
+
+void expectLiftedFoot(Simulation& simulation) {
+  if (!simulation.recogniser.touched().empty()) {
+    throw CommandError("the foot is down already: put \"lift\" or \"reset\" before");
+  }
+}
+
+Message touch(Simulation& simulation, WordReader& words) {
+  const std::string word(words.peek());
+  const float position = parsePosition(words.take());
+  Reports reports(simulation, takeForce(words));
+  expectLiftedFoot(simulation);
+  const std::vector<int> ids = buttonsAt(simulation.display.layout(), position);
+  if (ids.empty()) {
+    throw CommandError("there is no button at " + word + ": \"layout\" shows where they are");
+  }
+  for (const int id : ids) {
+    simulation.recogniser.touched().push_back(id);
+    reports.add(Edge::Press, id);
+  }
+  return reports.answer();
+}
+
+Message lift(Simulation& simulation, WordReader& words) {
+  Reports reports(simulation, takeForce(words));
+  if (simulation.recogniser.touched().empty()) {
+    throw CommandError("the foot is not on a button: put \"touch POSITION\" before");
+  }
+  for (const int id : std::exchange(simulation.recogniser.touched(), {})) {
+    reports.add(Edge::Release, id);
+  }
+  return reports.answer();
+}
+
+Message walk(Simulation& simulation, WordReader& words) {
+  const float from = parsePosition(words.take());
+  const float to = parsePosition(words.take());
+  const milliseconds duration = parseDuration(words.take());
+  Reports reports(simulation, takeForce(words));
+  expectLiftedFoot(simulation);
+  const auto start = steady_clock::now();
+  // A report that takes long delays the steps after it, but not the whole way.
+  const auto sleepUntil = [&](double progress) {
+    const auto wanted = start + progress * std::chrono::duration<double, std::milli>(duration);
+    const auto left = std::chrono::ceil<milliseconds>(wanted - steady_clock::now());
+    sleep(simulation, std::max(left, milliseconds(0)));
+  };
+  for (const Step& step : stepsOf(simulation.display.layout(), from, to)) {
+    sleepUntil(step.progress);
+    reports.add(step.edge, step.id);
+  }
+  sleepUntil(1);
+  return reports.answer();
+}
+
+Message callback(Simulation& simulation, WordReader& words) {
+  const std::string address = parseAddress(words.take());
+  words.expectEnd();
+  simulation.display.setAddress(address);
+  return ok(address, {{"address", address}});
+}
+
+}  // namespace
+
+void addRecogniserCommands(Commands& commands, Simulation& simulation) {
+  commands.add({"press", "press ID [--force]",
+                "Report a press to the library, and wait for its answer. Like all reports, only "
+                "while foot touch runs on the simulated robot, unless forced.",
+                with(simulation, press)});
+  commands.add({"release", "release ID [--force]", "Report that a button is released.",
+                with(simulation, release)});
+  commands.add({"tap", "tap ID [TIME] [--force]", "Press a button, hold it for TIME, release it.",
+                with(simulation, tap)});
+  commands.add({"touch", "touch POSITION [--force]",
+                "Put a foot down: press every button that the layout has at POSITION (0 to 1).",
+                with(simulation, touch)});
+  commands.add({"lift", "lift [--force]", "Lift the foot: release what it has touched.",
+                with(simulation, lift)});
+  commands.add({"walk", "walk FROM TO TIME [--force]",
+                "Put a foot down at FROM, move it evenly to TO within TIME, and lift it there: "
+                "press and release what it passes.",
+                with(simulation, walk)});
+  commands.add({"callback", "callback HOST:PORT",
+                "Report presses there, as if the library had sent this address.",
+                with(simulation, callback)});
+}
+
+}  // namespace simulator

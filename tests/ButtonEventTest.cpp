@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+// How a press becomes a call of the application's callback, one at a time. Many at once, and
+// through the C functions, are covered by PressesTest.
+#include <gmock/gmock.h>
+
+#include <future>
+#include <limits>
+#include <tuple>
+
+#include "support/CallbackServer.h"
+#include "support/PlatformCapture.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+
+constexpr const char* kOn = "GrpcServer.cpp: service_On";
+constexpr const char* kOff = "GrpcServer.cpp: service_Off";
+
+struct Called {
+  int id;
+  int state;
+  void* user_data;
+};
+
+bool operator==(const Called& a, const Called& b) {
+  return std::tie(a.id, a.state, a.user_data) == std::tie(b.id, b.state, b.user_data);
+}
+
+class ButtonEvent : public CallbackServer {
+ protected:
+  ButtonEvent() { run(); }
+
+  FootTouch_Server::ButtonCallback noting(std::vector<Called>& calls) {
+    return [&calls](int id, int state, void* data) { calls.push_back({id, state, data}); };
+  }
+};
+
+TEST_F(ButtonEvent, CallsTheCallbackWithIdStateAndUserData) {
+  std::vector<Called> calls;
+  int data = 0;
+  server->set_button_cb(noting(calls), &data);
+
+  EXPECT_EQ(press(3).s(), 0);
+  EXPECT_EQ(release(3).s(), 0);
+
+  EXPECT_THAT(calls, ElementsAre(Called{3, 1, &data}, Called{3, 0, &data}));
+}
+
+TEST_F(ButtonEvent, IsLogged) {
+  std::vector<Called> calls;
+  server->set_button_cb(noting(calls), nullptr);
+  const LogCapture log;
+
+  press(3);
+  release(-4);
+
+  EXPECT_THAT(log.lines(), ElementsAre(infoLine(kOn, "button_cb for service on"),
+                                       infoLine(kOn, "the request is 3 and the state is 1 (on)"),
+                                       infoLine(kOn, "button_cb for service on done"),
+                                       infoLine(kOff, "button_cb for service off"),
+                                       infoLine(kOff, "the request is -4 and the state is 0 (off)"),
+                                       infoLine(kOff, "button_cb for service off done")));
+}
+
+TEST_F(ButtonEvent, PassesAnyIdOn) {
+  std::vector<Called> calls;
+  server->set_button_cb(noting(calls), nullptr);
+
+  press(-1);
+  press(std::numeric_limits<int>::max());
+  press(std::numeric_limits<int>::min());
+
+  EXPECT_THAT(calls, ElementsAre(Called{-1, 1, nullptr},
+                                 Called{std::numeric_limits<int>::max(), 1, nullptr},
+                                 Called{std::numeric_limits<int>::min(), 1, nullptr}));
+}
+
+TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
+  const LogCapture log;
+
+  EXPECT_EQ(press(3).s(), 4);
+  EXPECT_EQ(release(3).s(), 4);
+
+  EXPECT_THAT(log.lines(),
+              ElementsAre(errorLine(kOn, "callback not set"), errorLine(kOff, "callback not set")));
+}
+
+TEST_F(ButtonEvent, IsAnsweredWith4AfterTheCallbackIsCleared) {
+  std::vector<Called> calls;
+  server->set_button_cb(noting(calls), nullptr);
+  server->set_button_cb(nullptr, nullptr);
+
+  EXPECT_EQ(press(3).s(), 4);
+  EXPECT_EQ(release(3).s(), 4);
+
+  EXPECT_TRUE(calls.empty());
+}
+
+TEST_F(ButtonEvent, GoesToTheLatestCallbackWithItsOwnUserData) {
+  std::vector<Called> former;
+  std::vector<Called> latter;
+  int data = 0;
+  server->set_button_cb(noting(former), &data);
+  server->set_button_cb(noting(latter), nullptr);
+
+  press(3);
+
+  EXPECT_TRUE(former.empty());
+  EXPECT_THAT(latter, ElementsAre(Called{3, 1, nullptr}));
+}
+
+TEST_F(ButtonEvent, SetsItsCallbackSilently) {
+  const LogCapture log;
+
+  server->set_button_cb(nullptr, nullptr);
+
+  EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(ButtonEvent, IsAnsweredOnlyOnceTheCallbackHasReturned) {
+  std::promise<void> go;
+  server->set_button_cb([&go](int, int, void*) { go.get_future().wait(); }, nullptr);
+  auto pressing = std::async(std::launch::async, [this] { return press(1).s(); });
+
+  EXPECT_EQ(pressing.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  go.set_value();
+
+  EXPECT_EQ(pressing.get(), 0);
+}
+
+TEST_F(ButtonEvent, IsAnsweredUnknownWhenTheCallbackThrows) {
+  server->set_button_cb([](int, int, void*) { throw std::runtime_error("no"); }, nullptr);
+  const LogCapture log;
+
+  StatusResponse response;
+  EXPECT_EQ(send(&Stub::service_On, 3, response).error_code(), grpc::StatusCode::UNKNOWN);
+
+  EXPECT_THAT(log.lines(), ElementsAre(infoLine(kOn, "button_cb for service on"),
+                                       infoLine(kOn, "the request is 3 and the state is 1 (on)")));
+  server->set_button_cb([](int, int, void*) {}, nullptr);
+  EXPECT_EQ(press(3).s(), 0);
+}
+
+TEST_F(ButtonEvent, MayReplaceItsOwnCallback) {
+  std::vector<Called> calls;
+  server->set_button_cb([&](int, int, void*) { server->set_button_cb(noting(calls), nullptr); },
+                        nullptr);
+
+  EXPECT_EQ(press(1).s(), 0);
+  EXPECT_EQ(press(2).s(), 0);
+
+  EXPECT_THAT(calls, ElementsAre(Called{2, 1, nullptr}));
+}
+
+TEST_F(ButtonEvent, IsOnlyReportedByTheTwoServiceCalls) {
+  std::vector<Called> calls;
+  server->set_button_cb(noting(calls), nullptr);
+
+  for (const Rpc rpc : {&Stub::program_run, &Stub::program_stop}) {
+    StatusResponse response;
+    const grpc::Status status = send(rpc, 3, response);
+
+    EXPECT_EQ(status.error_code(), grpc::StatusCode::UNIMPLEMENTED);
+    EXPECT_EQ(status.error_message(), "");
+  }
+  EXPECT_TRUE(calls.empty());
+}
+
+}  // namespace

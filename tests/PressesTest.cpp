@@ -1,0 +1,231 @@
+// SPDX-License-Identifier: Apache-2.0
+// Presses on their way from the recogniser to the application, alone, at once, and while the
+// callback changes. The wording of a single one is covered by ButtonEventTest.
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <future>
+#include <map>
+#include <memory>
+#include <thread>
+
+#include "support/PlatformCapture.h"
+#include "support/RunningFootTouch.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using Json = SimulatorProcess::Json;
+
+// A recogniser in a process of its own.
+std::unique_ptr<SimulatorProcess> recogniser() {
+  auto process = std::make_unique<SimulatorProcess>(
+      std::vector<std::string>{"--robot", "off", "--display", "off"});
+  process->command("callback " MURLINK_DISPLAY_HOST ":26711");
+  return process;
+}
+
+class Presses : public RunningFootTouch {};
+
+TEST_F(Presses, ReachTheApplication) {
+  peers.command("press 1");
+  peers.command("release 1");
+  peers.command("touch 0.75");
+  peers.command("lift");
+
+  EXPECT_THAT(log.presses(), ElementsAre(Press{1, 1}, Press{1, 0}, Press{2, 1}, Press{2, 0}));
+}
+
+TEST_F(Presses, AreAnsweredOnceTheCallbackHasReturned) {
+  EXPECT_EQ(peers.command("press 1").at("s"), 0);
+}
+
+TEST_F(Presses, AreAnsweredAsNotDeliveredWithoutACallback) {
+  foot_touch_set_button_cb(nullptr, nullptr);
+
+  EXPECT_EQ(peers.command("press 1").at("s"), 4);
+}
+
+TEST_F(Presses, AreNotHeardAfterTheEnd) {
+  foot_touch_finalize();
+
+  EXPECT_EQ(peers.command("press 1 --force").at("status"), "UNAVAILABLE");
+  EXPECT_TRUE(log.presses().empty());
+}
+
+TEST_F(Presses, AreHeardAgainAfterAnotherStart) {
+  foot_touch_finalize();
+  foot_touch_initialize();
+  foot_touch_set_button_cb(PressLog::note, &log);
+  start_foot_touch();
+
+  EXPECT_EQ(peers.command("press 1").at("s"), 0);
+}
+
+TEST_F(Presses, AreDeliveredEvenBeforeRecognitionStarts) {
+  stop_foot_touch();
+
+  EXPECT_EQ(peers.command("press 2 --force").at("s"), 0);
+}
+
+TEST_F(Presses, OfFourRecognisersAreDeliveredOnceEach) {
+  constexpr int kEach = 2000;
+  std::vector<std::unique_ptr<SimulatorProcess>> recognisers;
+  std::vector<std::future<void>> walks;
+  for (int id = 1; id <= 4; ++id) {
+    recognisers.push_back(recogniser());
+    walks.push_back(std::async(std::launch::async, [&process = *recognisers.back(), id] {
+      const std::string tap = "tap " + std::to_string(id) + " --force";
+      process.command("repeat " + std::to_string(kEach / 2) + " " + tap);
+    }));
+  }
+  for (auto& walk : walks) {
+    walk.get();
+  }
+
+  std::map<int, std::vector<int>> states;
+  for (const Press& press : log.presses()) {
+    states[press.id].push_back(press.state);
+  }
+  ASSERT_EQ(states.size(), 4U);
+  for (const auto& [id, sequence] : states) {
+    ASSERT_EQ(sequence.size(), kEach) << "button " << id;
+    for (std::size_t i = 0; i < sequence.size(); ++i) {
+      ASSERT_EQ(sequence[i], i % 2 == 0 ? 1 : 0) << "button " << id << ", press " << i;
+    }
+  }
+}
+
+TEST_F(Presses, MayRunTheCallbackTwiceAtOnce) {
+  struct Meeting {
+    std::promise<void> first;
+    std::promise<void> second;
+  } meeting;
+  foot_touch_set_button_cb(
+      [](int id, int, void* data) {
+        auto* const both = static_cast<Meeting*>(data);
+        (id == 1 ? both->first : both->second).set_value();
+        (id == 1 ? both->second : both->first).get_future().wait();
+      },
+      &meeting);
+  const auto other = recogniser();
+  auto pressing = std::async(std::launch::async, [&] { other->command("press 2 --force"); });
+
+  EXPECT_EQ(peers.command("press 1").at("s"), 0);
+  pressing.get();
+}
+
+TEST_F(Presses, MayClearTheCallbackThatTheyRun) {
+  foot_touch_set_button_cb([](int, int, void*) { foot_touch_set_button_cb(nullptr, nullptr); },
+                           nullptr);
+
+  EXPECT_EQ(peers.command("press 1").at("s"), 0);
+  EXPECT_EQ(peers.command("press 1").at("s"), 4);
+}
+
+TEST_F(Presses, MayReplaceTheCallbackThatTheyRun) {
+  foot_touch_set_button_cb(
+      [](int, int, void* data) { foot_touch_set_button_cb(PressLog::note, data); }, &log);
+
+  peers.command("press 1");
+  peers.command("press 2");
+
+  EXPECT_THAT(log.presses(), ElementsAre(Press{2, 1}));
+}
+
+// Two callbacks, each with user data of its own, that notice when they are handed the other's.
+struct Pairing {
+  int owner;
+  std::atomic<int> calls{0};
+  std::atomic<int> mixed{0};
+};
+
+template <int owner>
+void checkPairing(int /*id*/, int /*state*/, void* data) {
+  auto* const pairing = static_cast<Pairing*>(data);
+  ++pairing->calls;
+  pairing->mixed += pairing->owner == owner ? 0 : 1;
+}
+
+TEST_F(Presses, SeeTheOldPairOrTheNewOneWhileTheCallbackIsReplaced) {
+  Pairing one{1};
+  Pairing two{2};
+  foot_touch_set_button_cb(checkPairing<1>, &one);
+  std::atomic<bool> pressing{true};
+  std::thread recognition([&] {
+    while (pressing) {
+      peers.command("repeat 50 tap 1");
+    }
+  });
+
+  for (int i = 0; i < 10'000; ++i) {
+    foot_touch_set_button_cb(checkPairing<2>, &two);
+    foot_touch_set_button_cb(checkPairing<1>, &one);
+  }
+  pressing = false;
+  recognition.join();
+
+  EXPECT_GT(one.calls + two.calls, 0);
+  EXPECT_EQ(one.mixed, 0);
+  EXPECT_EQ(two.mixed, 0);
+  for (const Json& press : peers.presses()) {
+    EXPECT_EQ(press.at("s"), 0) << press;
+  }
+}
+
+TEST_F(Presses, NeverEndInAnEmptyCallWhileTheCallbackIsCleared) {
+  std::atomic<bool> pressing{true};
+  std::thread recognition([&] {
+    while (pressing) {
+      peers.command("repeat 50 tap 1");
+    }
+  });
+
+  for (int i = 0; i < 10'000; ++i) {
+    foot_touch_set_button_cb(nullptr, nullptr);
+    foot_touch_set_button_cb(PressLog::note, &log);
+  }
+  pressing = false;
+  recognition.join();
+
+  for (const Json& press : peers.presses()) {
+    EXPECT_THAT(press.value("s", -1), ::testing::AnyOf(0, 4)) << press;
+  }
+}
+
+// ---- Peers that come and go
+
+TEST_F(Presses, FlowAgainFromARecogniserThatWasKilled) {
+  auto first = recogniser();
+  first->command("press 1 --force");
+  first->signal(SIGKILL);
+  first->waitForEnd();
+
+  EXPECT_EQ(recogniser()->command("press 2 --force").at("s"), 0);
+  EXPECT_THAT(log.presses(), ElementsAre(Press{1, 1}, Press{2, 1}));
+}
+
+TEST_F(Presses, DoNotHoldUpTheEndWhenTheirRecogniserIsKilledInTheMiddle) {
+  struct Gate {
+    std::promise<void> entered;
+    std::promise<void> go;
+  } gate;
+  foot_touch_set_button_cb(
+      [](int, int, void* data) {
+        static_cast<Gate*>(data)->entered.set_value();
+        static_cast<Gate*>(data)->go.get_future().wait();
+      },
+      &gate);
+  auto killed = recogniser();
+  auto pressing = std::async(std::launch::async, [&] {
+    EXPECT_THROW(killed->command("press 1 --force"), std::runtime_error);
+  });
+  gate.entered.get_future().wait();
+  killed->signal(SIGKILL);
+  killed->waitForEnd();
+  gate.go.set_value();
+
+  EXPECT_EQ(foot_touch_finalize(), 0);
+}
+
+}  // namespace

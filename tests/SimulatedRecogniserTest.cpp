@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: Apache-2.0
+// How the simulated recogniser reports presses. A second simulator stands for the library: its robot
+// side speaks the same protocol.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <future>
+
+#include "support/SimulatorClient.h"
+#include "support/SimulatorProcess.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using Json = SimulatorProcess::Json;
+
+class SimulatedRecogniser : public ::testing::Test {
+ protected:
+  SimulatorProcess library{{"--robot", "127.0.0.1:0", "--display", "off"}};
+  SimulatorProcess simulator{{"--robot", "off", "--display", "127.0.0.2:0"}};
+  SimulatorClient display{simulator.address("display")};
+
+  SimulatedRecogniser() {
+    library.command("when any any answer 0");
+    simulator.command("set foot-touch running");
+    display.setAddress(library.address("robot"));
+  }
+
+  // What the library heard: "+3" for a press, "-3" for a release.
+  std::vector<std::string> heard() {
+    std::vector<std::string> reports;
+    for (const Json& call : library.calls()) {
+      reports.push_back((call.at("rpc") == "service_On" ? "+" : "-") + call.at("x").dump());
+    }
+    return reports;
+  }
+
+  std::string refusal(const std::string& command) {
+    try {
+      simulator.command(command);
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return "";
+  }
+};
+
+// ---- Reports
+
+TEST_F(SimulatedRecogniser, ReportsToTheAddressThatTheDisplayWasSent) {
+  simulator.command("press 3");
+  simulator.command("release 3");
+
+  EXPECT_THAT(heard(), ElementsAre("+3", "-3"));
+}
+
+TEST_F(SimulatedRecogniser, WaitsForTheAnswerFor30Seconds) {
+  simulator.command("press 3");
+
+  const int limit_ms = library.calls().at(0).at("deadline_ms");
+  EXPECT_GT(limit_ms, 29000);
+  EXPECT_LE(limit_ms, 30000);
+}
+
+TEST_F(SimulatedRecogniser, FollowsTheAddress) {
+  SimulatorProcess other({"--robot", "127.0.0.1:0", "--display", "off"});
+  simulator.command("press 1");
+
+  simulator.command("callback " + other.address("robot"));
+  simulator.command("press 2");
+
+  EXPECT_THAT(heard(), ElementsAre("+1"));
+  EXPECT_EQ(other.calls().at(0).at("x"), 2);
+}
+
+TEST_F(SimulatedRecogniser, TellsHowALibraryAnswered) {
+  library.command("when service_On any answer 7");
+
+  const Json answer = simulator.command("press 3");
+
+  EXPECT_EQ(answer.at("s"), 7);
+  Json event = simulator.presses().at(0);
+  EXPECT_GT(event.at("ms"), 0);
+  event.erase("ms");
+  EXPECT_EQ(event, (Json{{"event", "press"}, {"id", 3}, {"state", 1}, {"s", 7}}));
+}
+
+TEST_F(SimulatedRecogniser, TellsHowAReportFailed) {
+  library.command("when service_Off any fail INTERNAL");
+
+  const Json answer = simulator.command("release 3");
+
+  EXPECT_EQ(answer.at("status"), "INTERNAL");
+  Json event = simulator.presses().at(0);
+  event.erase("ms");
+  EXPECT_EQ(event, (Json{{"event", "press"}, {"id", 3}, {"state", 0}, {"status", "INTERNAL"}}));
+}
+
+TEST_F(SimulatedRecogniser, ReachesALibraryThatStartsAgain) {
+  const std::string address = library.address("robot");
+  simulator.command("press 1");
+  library.end();
+  EXPECT_EQ(simulator.command("press 1").at("status"), "UNAVAILABLE");
+
+  SimulatorProcess again({"--robot", address, "--display", "off"});
+  const auto limit = steady_clock::now() + std::chrono::seconds(5);
+  while (!simulator.command("press 2").contains("s") && steady_clock::now() < limit) {
+    simulator.command("pause 20ms");
+  }
+
+  EXPECT_EQ(again.calls().size(), 1U);
+}
+
+TEST_F(SimulatedRecogniser, EndsAtOnceWhileAReportWaits) {
+  library.command("when any any never");
+  auto pressed = std::async(std::launch::async, [this] { return simulator.command("press 1"); });
+  library.waitForEvent([](const Json& event) { return event.at("event") == "call"; });
+
+  const auto start = steady_clock::now();
+  simulator.signal(SIGTERM);
+
+  EXPECT_EQ(simulator.waitForEnd(), 0);
+  EXPECT_LT(steady_clock::now() - start, milliseconds(1500));
+  EXPECT_EQ(pressed.get().at("status"), "CANCELLED");
+}
+
+// ---- Conditions
+
+TEST_F(SimulatedRecogniser, RefusesWhileFootTouchDoesNotRun) {
+  for (const char* state : {"off", "on"}) {
+    simulator.command(std::string("set foot-touch ") + state);
+    for (const char* command :
+         {"press 1", "release 1", "tap 1", "touch 0", "lift", "walk 0 1 0s"}) {
+      EXPECT_THAT(refusal(command), HasSubstr("foot touch does not run")) << command;
+    }
+  }
+  EXPECT_THAT(heard(), IsEmpty());
+}
+
+TEST_F(SimulatedRecogniser, ReportsAnywayWhenForced) {
+  simulator.command("set foot-touch off");
+  display.setButtons({{1, 0, 1}});
+
+  for (const char* command : {"press 7", "release 7", "tap 8", "touch 0", "lift", "walk 0 1 0s"}) {
+    simulator.command(std::string(command) + " --force");
+  }
+
+  EXPECT_THAT(heard(), ElementsAre("+7", "-7", "+8", "-8", "+1", "-1", "+1", "-1"));
+}
+
+TEST_F(SimulatedRecogniser, RefusesWithoutAnAddress) {
+  simulator.command("reset");
+
+  EXPECT_THAT(refusal("press 1 --force"), HasSubstr("nobody has said where"));
+}
+
+// ---- Feet
+
+TEST_F(SimulatedRecogniser, HoldsAButtonThatItTaps) {
+  const auto start = steady_clock::now();
+  const Json answer = simulator.command("tap 3 100ms");
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(100));
+  EXPECT_EQ(answer.at("presses"), (Json::parse(R"([{"id": 3, "state": 1, "s": 0},
+                                                   {"id": 3, "state": 0, "s": 0}])")));
+  EXPECT_THAT(heard(), ElementsAre("+3", "-3"));
+}
+
+TEST_F(SimulatedRecogniser, PressesEveryButtonUnderTheFootUntilLifted) {
+  display.setButtons({{1, 0, 0.5F}, {2, 0.5F, 1}, {3, 0.75F, 1}});
+
+  simulator.command("touch 0.5");
+  display.setButtons({});
+  simulator.command("lift");
+
+  EXPECT_THAT(heard(), ElementsAre("+1", "+2", "-1", "-2"));
+}
+
+TEST_F(SimulatedRecogniser, PutsTheFootDownOnce) {
+  display.setButtons({{1, 0, 0.5F}});
+
+  EXPECT_THAT(refusal("lift"), HasSubstr("the foot is not on a button"));
+  EXPECT_THAT(refusal("touch 0.75"), HasSubstr("there is no button at 0.75"));
+  simulator.command("touch 0.25");
+  EXPECT_THAT(refusal("touch 0.25"), HasSubstr("the foot is down already"));
+  EXPECT_THAT(refusal("walk 0 1 1s"), HasSubstr("the foot is down already"));
+  simulator.command("lift");
+  EXPECT_THAT(refusal("lift"), HasSubstr("the foot is not on a button"));
+}
+
+TEST_F(SimulatedRecogniser, WalksOverTheButtonsInTime) {
+  display.setButtons({{1, 0.25F, 0.5F}, {2, 0.5F, 0.75F}});
+  const auto start = steady_clock::now();
+
+  simulator.command("walk 0 1 200ms");
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(200));
+  EXPECT_THAT(heard(), ElementsAre("+1", "+2", "-1", "-2"));
+}
+
+TEST_F(SimulatedRecogniser, WalksOverNothing) {
+  EXPECT_EQ(simulator.command("walk 0 1 1ms").at("presses"), Json::array());
+}
+
+}  // namespace

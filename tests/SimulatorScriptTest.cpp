@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: Apache-2.0
+// The commands that make a script a test: waiting, expecting, looking back.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <future>
+
+#include "support/ChildProcess.h"
+#include "support/RowName.h"
+#include "support/SimulatorClient.h"
+#include "support/SimulatorProcess.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+using ::testing::HasSubstr;
+using ::testing::SizeIs;
+using Json = SimulatorProcess::Json;
+
+class Script : public ::testing::Test {
+ protected:
+  SimulatorProcess simulator{{"--robot", "127.0.0.1:0", "--display", "127.0.0.2:0"}};
+  SimulatorClient display{simulator.address("display")};
+
+  // Lets the simulated robot be called by its own recogniser: service_On or service_Off.
+  void callRobot(const std::string& command) {
+    simulator.command("callback " + simulator.address("robot"));
+    simulator.command(command + " --force");
+  }
+
+  std::string refusal(const std::string& command) {
+    try {
+      simulator.command(command);
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return "";
+  }
+};
+
+// ---- Waiting
+
+TEST_F(Script, WaitsForACallThatHasCome) {
+  callRobot("press 1");
+
+  EXPECT_EQ(simulator.command("wait service_On gesture").at("call").at("x"), 1);
+}
+
+TEST_F(Script, WaitsForACallThatComesLater) {
+  auto waiting = std::async(std::launch::async, [this] { return simulator.command("wait any"); });
+  display.setButtons({});
+
+  EXPECT_EQ(waiting.get().at("call").at("rpc"), "setButtons");
+}
+
+TEST_F(Script, WaitsForEachCallOnce) {
+  display.setButtons({});
+  display.setButtons({});
+
+  EXPECT_EQ(simulator.command("wait setButtons").at("call").at("number"), 1);
+  EXPECT_EQ(simulator.command("wait setButtons").at("call").at("number"), 2);
+  EXPECT_THAT(refusal("wait setButtons 50ms"),
+              HasSubstr("no further call of setButtons within 50ms"));
+}
+
+TEST_F(Script, DoesNotGoBackBehindTheCallThatItWaitedFor) {
+  callRobot("press 1");
+  display.setButtons({});
+  simulator.command("wait setButtons");
+
+  EXPECT_THAT(refusal("wait service_On any 10ms"), HasSubstr("no further call of service_On any"));
+}
+
+TEST_F(Script, WaitsForAFeature) {
+  callRobot("press 1");
+  callRobot("press 2");
+
+  EXPECT_EQ(simulator.command("wait service_On foot-touch 1s").at("call").at("x"), 2);
+}
+
+TEST_F(Script, FindsDoneWhatItHasWaitedFor) {
+  for (int round = 0; round < 50; ++round) {
+    auto waiting = std::async(std::launch::async, [this] {
+      simulator.command("wait setButtons");
+      simulator.command("expect buttons 1");
+    });
+    display.setButtons({{1, 0, 1}});
+    EXPECT_NO_THROW(waiting.get());
+    simulator.command("reset");
+  }
+}
+
+TEST_F(Script, SeesACallThatIsNeverAnswered) {
+  simulator.command("when setButtons never");
+  auto silent = std::async(std::launch::async, [this] { return display.setButtons({}); });
+
+  EXPECT_NO_THROW(simulator.command("wait setButtons 2s"));
+}
+
+TEST_F(Script, IsCutShortByTheEnd) {
+  for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s"}) {
+    SimulatorProcess cut({"--robot", "off", "--display", "off"});
+    auto refused = std::async(std::launch::async, [&] { EXPECT_ANY_THROW(cut.command(command)); });
+    while (refused.wait_for(milliseconds(20)) == std::future_status::timeout) {
+      cut.signal(SIGTERM);
+    }
+    EXPECT_EQ(cut.waitForEnd(), 3) << command;
+  }
+}
+
+TEST_F(Script, Pauses) {
+  const auto start = steady_clock::now();
+  simulator.command("pause 100ms");
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(100));
+}
+
+// ---- Expecting
+
+TEST_F(Script, PassesWhenItsExpectationsAreMet) {
+  callRobot("press 1");
+  display.setButtons({{4, 0, 0}, {3, 0.5F, 1}});
+
+  for (const char* command :
+       {"expect state gesture on", "expect state 2 off", "expect calls 2", "expect calls 2 any",
+        "expect calls 1 setButtons", "expect calls 1 any gesture", "expect calls 0 program_run any",
+        "expect buttons 4 3", "expect s 0"}) {
+    EXPECT_NO_THROW(simulator.command(command)) << command;
+  }
+  simulator.command("expect address " + simulator.address("robot"));
+}
+
+TEST_F(Script, ExpectsNothingAtFirst) {
+  for (const char* command : {"expect calls 0", "expect buttons", "expect address none"}) {
+    EXPECT_NO_THROW(simulator.command(command)) << command;
+  }
+}
+
+struct Disappointment {
+  const char* name;
+  const char* expectation;
+  const char* complaint;
+};
+
+class Unmet : public Script, public ::testing::WithParamInterface<Disappointment> {};
+
+TEST_P(Unmet, IsAnError) {
+  display.setButtons({{4, 0, 0}});
+
+  EXPECT_THAT(refusal(GetParam().expectation), HasSubstr(GetParam().complaint));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Expectation, Unmet,
+    ::testing::Values(
+        Disappointment{"OfAState", "expect state gesture on", "gesture should be on but is off"},
+        Disappointment{"OfAnUnknownFeature", "expect state 9 on", "9 should be on but is unknown"},
+        Disappointment{"OfCalls", "expect calls 2 setButtons",
+                       "the number of calls of setButtons should be 2 but is 1"},
+        Disappointment{"OfButtons", "expect buttons 4 5", "the layout should be 4 5 but is 4"},
+        Disappointment{"OfNoButtons", "expect buttons", "the layout should be empty but is 4"},
+        Disappointment{"OfAnAddress", "expect address 127.0.0.1:1",
+                       "the address for presses should be 127.0.0.1:1 but is none"},
+        Disappointment{"OfAnAnswer", "expect s 0", "nothing has been pressed yet"}),
+    rowName<Disappointment>);
+
+TEST_F(Script, MissesAnAnswerWhenTheReportFailed) {
+  simulator.command("when any any fail INTERNAL");
+  callRobot("press 1");
+
+  EXPECT_THAT(refusal("expect s 0"), HasSubstr("should be 0 but is INTERNAL"));
+}
+
+// ---- Looking back
+
+TEST_F(Script, HasAHistoryOfCallsAndPresses) {
+  display.setButtons({});
+  callRobot("press 1");
+
+  const Json events = simulator.command("history").at("events");
+
+  ASSERT_THAT(events, SizeIs(3));
+  EXPECT_EQ(events[0].at("rpc"), "setButtons");
+  EXPECT_EQ(events[1].at("rpc"), "service_On");
+  EXPECT_EQ(events[1].at("side"), "robot");
+  EXPECT_EQ(events[2].at("event"), "press");
+}
+
+TEST_F(Script, ForgetsEverythingOnReset) {
+  display.setButtons({{1, 0, 1}});
+  callRobot("press 1");
+  simulator.command("touch 0.5 --force");
+
+  simulator.command("reset");
+
+  EXPECT_THAT(simulator.command("history").at("events"), SizeIs(0));
+  for (const char* command :
+       {"expect calls 0", "expect buttons", "expect address none", "expect state gesture off"}) {
+    EXPECT_NO_THROW(simulator.command(command)) << command;
+  }
+  EXPECT_THAT(refusal("expect s 0"), HasSubstr("nothing has been pressed yet"));
+}
+
+TEST_F(Script, RepeatsACommand) {
+  callRobot("press 1");
+
+  EXPECT_EQ(simulator.command("repeat 3 press 2 --force").at("times"), 3);
+
+  simulator.command("expect calls 3 service_On foot-touch");
+}
+
+// ---- Wrong commands and the exit code
+
+struct WrongCommand {
+  const char* name;
+  const char* text;
+  const char* complaint;
+};
+
+class RefusedByScripts : public Script, public ::testing::WithParamInterface<WrongCommand> {};
+
+TEST_P(RefusedByScripts, SaysWhatWasExpected) {
+  EXPECT_THAT(refusal(GetParam().text), HasSubstr(GetParam().complaint));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Command, RefusedByScripts,
+    ::testing::Values(
+        WrongCommand{"WhenWithFeatureForTheDisplay", "when setButtons gesture never",
+                     "expected what to do"},
+        WrongCommand{"WaitWithoutRpc", "wait", "expected an rpc"},
+        WrongCommand{"WaitWithWrongFeature", "wait any hands", "expected a feature"},
+        WrongCommand{"WaitWithWrongTime", "wait any any 3", "expected a duration"},
+        WrongCommand{"WaitWithFeatureForTheDisplay", "wait setButtons gesture",
+                     "expected a duration"},
+        WrongCommand{"WaitWithMore", "wait any any 1s x", "expected the end of the line"},
+        WrongCommand{"PauseWithoutTime", "pause", "expected a duration"},
+        WrongCommand{"ExpectWithoutSubject", "expect",
+                     "expected what to expect (state, calls, buttons, address or s)"},
+        WrongCommand{"ExpectWithWrongCount", "expect calls -1", "a number of calls, 0 or more"},
+        WrongCommand{"ExpectWithWrongButton", "expect buttons one", "expected the id of a button"},
+        WrongCommand{"ExpectWithWrongAddress", "expect address here", "expected HOST:PORT"},
+        WrongCommand{"ExpectWithMore", "expect s 0 0", "expected the end of the line"},
+        WrongCommand{"PressWithoutId", "press", "expected the id of a button (a whole number)"},
+        WrongCommand{"PressWithMore", "press 1 force", "expected the end of the line"},
+        WrongCommand{"TapWithWrongTime", "tap 1 2", "expected a duration"},
+        WrongCommand{"TouchOutside", "touch 1.01", "expected a position (0 to 1)"},
+        WrongCommand{"TouchNan", "touch nan", "expected a position (0 to 1)"},
+        WrongCommand{"WalkWithoutTime", "walk 0 1", "expected a duration"},
+        WrongCommand{"CallbackWithoutPort", "callback 127.0.0.1", "expected HOST:PORT"},
+        WrongCommand{"RepeatWithoutNumber", "repeat", "expected a number of times, 1 or more"},
+        WrongCommand{"RepeatZeroTimes", "repeat 0 state", "expected a number of times, 1 or more"},
+        WrongCommand{"RepeatNothing", "repeat 2", "time 1 of 2: expected a command"},
+        WrongCommand{"RepeatSomethingWrong", "repeat 2 press", "time 1 of 2: expected the id"}),
+    rowName<WrongCommand>);
+
+TEST(ScriptFile, DecidesTheExitCode) {
+  const std::string path = ::testing::TempDir() + "simulator_script_exit_code";
+  for (const auto& [script, exit_code] :
+       {std::pair("expect calls 0\n", 0), std::pair("expect calls 1\nexpect calls 0\n", 3)}) {
+    std::ofstream(path) << script;
+    EXPECT_EQ(runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", path},
+                       {}, seconds(10))
+                  .exit_code,
+              exit_code);
+  }
+}
+
+TEST(ScriptFile, ShowsTheHistoryALineAnEvent) {
+  const std::string path = ::testing::TempDir() + "simulator_script_history";
+  std::ofstream(path) << "callback 127.0.0.1:1\ntap 5 --force\nlayout\nhistory\n";
+
+  const Finished finished = runToEnd(
+      {MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", path}, {}, seconds(10));
+
+  EXPECT_THAT(finished.out,
+              ::testing::MatchesRegex("ok 127\\.0\\.0\\.1:1\n"
+                                      "press 5: UNAVAILABLE in [0-9.]+ ms\n"
+                                      "release 5: UNAVAILABLE in [0-9.]+ ms\n"
+                                      "ok press 5: UNAVAILABLE, release 5: UNAVAILABLE\n"
+                                      "0 \\.+ 1\n"
+                                      "ok 0 buttons\n"
+                                      "  press 5: UNAVAILABLE in [0-9.]+ ms\n"
+                                      "  release 5: UNAVAILABLE in [0-9.]+ ms\n"
+                                      "ok 2 events\n"));
+}
+
+}  // namespace
