@@ -66,6 +66,9 @@
  * }
  * @endcode
  *
+ * For foot_touch_initialize() such a loop goes on with FOOT_TOUCH_ERROR_NOT_INITIALIZED as well:
+ * that is its answer while the display cannot be reached.
+ *
  * gRPC honours the environment variables http_proxy, https_proxy and grpc_proxy even for addresses
  * on the robot: unset them, or name the addresses in no_proxy.
  *
@@ -236,8 +239,12 @@ typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
  * robot's service on. Recognition does not run yet.
  *
  * Blocks until the display (1 s at most) and the robot (2 s at most) have answered. Does nothing
- * and returns success when foot touch is initialised already. After a failure, call it again: it
- * goes on where it stopped.
+ * and returns success when foot touch is initialised already. The library is about to listen when
+ * this function returns; a press in the first milliseconds may still be refused.
+ *
+ * After a failure, call it again: it goes on where it stopped. When it was the robot that failed,
+ * the library listens already, and goes on to. Until a later call succeeds, foot_touch_finalize()
+ * does nothing; foot_touch_set_button_cb(NULL, NULL) keeps presses from the application.
  *
  * The display and the recogniser are told a fixed address, which one process at a time can listen
  * on. When it is taken, this function succeeds all the same, no press arrives, and the log says
@@ -263,7 +270,9 @@ int foot_touch_initialize(void);
  * Switches foot touch off: stops to listen for presses, then switches the robot's service off.
  *
  * Blocks until every callback that runs has returned, without limit, and then until the robot
- * answers, 2 s at most. No callback runs after it has returned.
+ * answers, 2 s at most. A recogniser that is connected but no longer responds, because it hangs or
+ * its host is gone, can make that about 20 s more. No callback runs after it has returned, unless
+ * it returned because foot touch was not initialised.
  *
  * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
  * foot_touch_initialize() would do nothing: call this function again after a pause.
@@ -295,7 +304,8 @@ int foot_touch_finalize(void);
  *                                              sent
  *         #FOOT_TOUCH_ERROR_SERVER_NOT_READY   call foot_touch_initialize() first; nothing was sent
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection, or no answer in time; the display may
- *                                              or may not have the layout
+ *                                              or may not have the layout. Also, with nothing sent,
+ *                                              after a callback that was set too early
  *         #FOOT_TOUCH_ERROR_TIMED_OUT          reserved: a missing answer is a failed connection
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the display answered with a failure
  * @threads one foot-touch function at a time; not from inside the callback.
@@ -310,7 +320,7 @@ int foot_touch_set_buttons(const button* buttons, int count);
  *
  * @param cb         the function; NULL clears it, and presses are then answered as not delivered.
  * @param user_data  handed to every call of `cb` unchanged; may be NULL, not owned. What it points
- *                   to must stay valid until foot_touch_finalize() has returned: a call that is
+ *                   to must stay valid until foot_touch_finalize() has succeeded: a call that is
  *                   under way goes on with it even after another callback has been set.
  * @threads one foot-touch function at a time, and from inside the callback; presses that arrive
  *          meanwhile see either the old pair or the new one.

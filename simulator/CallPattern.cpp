@@ -19,7 +19,7 @@ bool fits(const CallPattern& pattern, std::string_view rpc, std::optional<int> f
 }
 
 std::string describe(const CallPattern& pattern) {
-  const std::string rpc = pattern.rpc.value_or("any");
+  std::string rpc = pattern.rpc.value_or("any");
   if (!hasFeature(pattern)) {
     return rpc;
   }

@@ -52,7 +52,8 @@ std::string labelOf(const Ids& ids) {
 
 std::string box(const Ids& ids, std::size_t width) {
   if (ids.empty()) {
-    return std::string(width, '.');
+    std::string gap(width, '.');
+    return gap;
   }
   if (width == 1) {
     return "|";

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "CommandGroups.h"
+#include "Reports.h"
 #include "Walk.h"
 
 namespace simulator {
@@ -9,8 +12,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
-
-constexpr int kFootTouch = 2;
 
 // The last word of every command that presses.
 bool takeForce(WordReader& words) {
@@ -24,52 +25,6 @@ void sleep(Simulation& simulation, milliseconds duration) {
     throw CommandError("the simulator ends");
   }
 }
-
-// The reports of one command, and where they go. Throws when there is nobody to report to.
-class Reports {
- public:
-  Reports(Simulation& simulation, bool force) : simulation_(simulation) {
-    const auto state = simulation.robot.state(kFootTouch);
-    if (!force && state != State::Running) {
-      throw CommandError(
-          "foot touch does not run on the simulated robot: let the application start it, put "
-          "\"set foot-touch running\" before, or add --force");
-    }
-    const auto address = simulation.display.address();
-    if (!address) {
-      throw CommandError(
-          "nobody has said where presses are to be reported: let the application initialize foot "
-          "touch, or put \"callback HOST:PORT\" before");
-    }
-    address_ = *address;
-  }
-
-  void add(Edge edge, int id) {
-    const Press press = simulation_.recogniser.report(address_, edge, id);
-    const Message message = describe(press);
-    text_ += (text_.empty() ? "" : ", ") + message.sentence;
-    last_ = message.record;
-    records_.push_back(message.record);
-  }
-
-  // The answer to the command: every report, and the result of the last one by itself.
-  Message answer() const {
-    nlohmann::ordered_json record{{"presses", records_}};
-    for (const char* result : {"s", "status"}) {
-      if (last_.contains(result)) {
-        record[result] = last_[result];
-      }
-    }
-    return ok(text_, record);
-  }
-
- private:
-  Simulation& simulation_;
-  std::string address_;
-  std::string text_;
-  nlohmann::ordered_json last_;
-  nlohmann::ordered_json records_ = nlohmann::ordered_json::array();
-};
 
 int takeId(WordReader& words) {
   return parseNumber(words.take(), "the id of a button");
@@ -103,7 +58,7 @@ Message tap(Simulation& simulation, WordReader& words) {
 
 void expectLiftedFoot(Simulation& simulation) {
   if (!simulation.recogniser.touched().empty()) {
-    throw CommandError("the foot is down already: put \"lift\" or \"reset\" before");
+    throw CommandError(R"(the foot is down already: put "lift" or "reset" before)");
   }
 }
 

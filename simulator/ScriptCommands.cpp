@@ -60,21 +60,21 @@ Message showHistory(Simulation& simulation, WordReader& words) {
 
 Message repeat(const Commands& commands, Simulation& simulation, WordReader& words) {
   const int times = parseAtLeast(1, words.take(), "a number of times");
-  Message last;
+  nlohmann::ordered_json last;
   for (int round = 1; round <= times; ++round) {
     if (simulation.ending.requested()) {
       throw CommandError("the simulator ends");
     }
     WordReader command = words;
     try {
-      last = commands.run(command);
+      last = commands.run(command).record;
     } catch (const CommandError& problem) {
       throw CommandError("time " + std::to_string(round) + " of " + std::to_string(times) + ": " +
                          problem.what());
     }
   }
   return ok(std::to_string(times) + (times == 1 ? " time" : " times"),
-            {{"times", times}, {"last", last.record}});
+            {{"times", times}, {"last", last}});
 }
 
 }  // namespace

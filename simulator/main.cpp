@@ -2,7 +2,6 @@
 // murlink-simulator: the services that the library talks to, on a plain PC.
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -14,6 +13,7 @@
 #include "CommandGroups.h"
 #include "DisplayService.h"
 #include "LineInput.h"
+#include "Options.h"
 #include "PeerServer.h"
 #include "RobotService.h"
 #include "SignalWatch.h"
@@ -23,49 +23,6 @@ namespace {
 constexpr int kWrongUsage = 1;
 constexpr int kCannotListen = 2;
 constexpr int kCommandFailed = 3;
-
-constexpr const char* kOff = "off";
-
-struct Options {
-  std::string robot = MURLINK_ROBOT_ENDPOINT;
-  std::string display = MURLINK_DISPLAY_ENDPOINT;
-  std::string script;
-  bool json = false;
-  bool stay = false;
-};
-
-std::string checkAddress(const std::string& address) {
-  try {
-    if (address != kOff) {
-      simulator::parseAddress(address);
-    }
-    return "";
-  } catch (const simulator::Misunderstood&) {
-    return "\"" + address +
-           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 takes a free one), or off";
-  }
-}
-
-void defineSide(CLI::App& app, const char* name, std::string& address, const char* help) {
-  app.add_option(name, address, help)
-      ->type_name("HOST:PORT|off")
-      ->check(CLI::Validator(checkAddress, "", "address"))
-      ->capture_default_str();
-}
-
-void defineOptions(CLI::App& app, Options& options) {
-  defineSide(app, "--robot", options.robot, "where the robot-side service listens");
-  defineSide(app, "--display", options.display, "where the display-side service listens");
-  app.add_option("--script", options.script, "file of commands to carry out before standard input")
-      ->type_name("FILE");
-  app.add_flag("--json", options.json, "print one JSON object a line, for machines");
-  app.add_flag("--stay", options.stay, "go on after the end of standard input, until SIGTERM");
-  app.footer(
-      "Commands are read from standard input, one a line; \"help\" explains them.\n"
-      "Exit codes: 0 ended as asked, 1 wrong usage, 2 an address cannot be listened on, 3 a "
-      "command "
-      "failed (its answer was an error).");
-}
 
 void carryOut(int descriptor, simulator::Simulation& simulation, simulator::Commands& commands) {
   simulator::LineInput input(descriptor, simulation.ending);

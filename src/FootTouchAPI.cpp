@@ -89,8 +89,9 @@ int foot_touch_initialize() {
   footTouchClient = FootTouchGrpcClient::getInstance();
   LOG_INFO("footTouchClient init");
   if (footTouchClient == nullptr) {
-    LOG_INFO("footTouchClient null");
-    return FOOT_TOUCH_ERROR_NOT_INITIALIZED;
+    // Not while getInstance() creates what it lacks.
+    LOG_INFO("footTouchClient null");         // GCOVR_EXCL_LINE
+    return FOOT_TOUCH_ERROR_NOT_INITIALIZED;  // GCOVR_EXCL_LINE
   }
   LOG_INFO("done");
   if (server_result != 0) {
@@ -142,8 +143,9 @@ void foot_touch_set_button_cb(foot_touch_button_cb cb, void* user_data) {
 int start_foot_touch() {
   LOG_INFO("starting foot touch");
   if (FootTouchServerManager::GetInstance()->get_server_instance() == nullptr) {
-    LOG_ERROR("foot_touch_server not started, abort.");
-    return FOOT_TOUCH_ERROR_NOT_INITIALIZED;
+    // Not while get_server_instance() creates what it lacks.
+    LOG_ERROR("foot_touch_server not started, abort.");  // GCOVR_EXCL_LINE
+    return FOOT_TOUCH_ERROR_NOT_INITIALIZED;             // GCOVR_EXCL_LINE
   }
   if (footTouchClient == nullptr) {
     return FOOT_TOUCH_ERROR_NOT_INITIALIZED;

@@ -78,7 +78,12 @@ int FootTouchServerManager::SendBtnInfo(std::vector<button>& buttons) {
     LOG_ERROR("WARNING: not initialized, initialize before set buttons");
     return FOOT_TOUCH_ERROR_SERVER_NOT_READY;
   }
-  switch (foot_touch_server->send_button_info(buttons)) {
+  return layoutResult(foot_touch_server->send_button_info(buttons));
+}
+
+// Knows 5 although a late answer comes back as 4 today, like every other failed call.
+int layoutResult(int sent) {
+  switch (sent) {
     case 0:
       return FOOT_TOUCH_ERROR_NONE;
     case 4:

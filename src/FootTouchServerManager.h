@@ -29,6 +29,9 @@ class IFootTouchServerManager {
   virtual int SendBtnInfo(std::vector<button>& buttons) = 0;
 };
 
+// What becomes of a result of FootTouch_Server::send_button_info(): a FOOT_TOUCH_ERROR_... code.
+int layoutResult(int sent);
+
 class FootTouchServerManager : public IFootTouchServerManager {
  public:
   // The singleton, created on first use and never deleted here.

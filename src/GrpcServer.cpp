@@ -249,12 +249,12 @@ bool FootTouch_Server::sync_address() {
 }
 
 int FootTouch_Server::send_button_info(std::vector<button>& buttons) {
-  // Without a stub, which a server that was never initialised lacks, nothing can be sent.
-  const Reply reply =
-      tv_stub == nullptr
-          ? Reply{grpc::Status(grpc::StatusCode::UNAVAILABLE, "no stub"), 0}
-          : UnaryCall(&Quarlo_TV_GRPC::Stub::setButtons, toMessage(buttons), kLayoutDeadline)
-                .send(*tv_stub);
+  if (tv_stub == nullptr) {
+    LOG_ERROR("send_button_info failed, status not ok.");
+    return kCallFailed;
+  }
+  UnaryCall call(&Quarlo_TV_GRPC::Stub::setButtons, toMessage(buttons), kLayoutDeadline);
+  const Reply reply = call.send(*tv_stub);
   if (!reply.status.ok()) {
     LOG_ERROR("send_button_info failed, status not ok.");
     return kCallFailed;

@@ -8,6 +8,7 @@
 
 #include "support/ChildProcess.h"
 #include "support/Conversation.h"
+#include "support/Listener.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
@@ -84,6 +85,7 @@ TEST(FootTouchExample, PrintsPressesUntilEnter) {
   SimulatorProcess peers;
   Conversation example({FOOT_TOUCH_EXAMPLE});
   example.waitFor("Press Enter");
+  waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
 
   peers.command("touch 0.1");
   peers.command("lift");
@@ -116,6 +118,7 @@ TEST(UntidyApplication, LeavesWithoutFinalisingWhilePressesArriveFiftyTimes) {
     recogniser.command("callback " MURLINK_DISPLAY_HOST ":26711");
     Conversation application({EXIT_PROBE});
     peers.command("wait program_run foot-touch");
+    waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
     auto presses =
         std::async(std::launch::async, [&] { recogniser.command("repeat 500 tap 1 --force"); });
 

@@ -9,6 +9,8 @@ struct AtLoad {
   std::string robot_server_address;
   bool has_channel;
   bool has_stub;
+  bool is_initialized;
+  bool has_client;
 };
 
 const AtLoad& atLoad();

@@ -27,29 +27,44 @@ bool operator==(const Called& a, const Called& b) {
   return std::tie(a.id, a.state, a.user_data) == std::tie(b.id, b.state, b.user_data);
 }
 
+// Keeps what a callback is told; an order made by the call alone would look like a race.
+class Notes {
+ public:
+  FootTouch_Server::ButtonCallback callback() {
+    return [this](int id, int state, void* data) {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      calls_.push_back({id, state, data});
+    };
+  }
+  std::vector<Called> calls() const {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return calls_;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  std::vector<Called> calls_;
+};
+
 class ButtonEvent : public CallbackServer {
  protected:
   ButtonEvent() { run(); }
-
-  FootTouch_Server::ButtonCallback noting(std::vector<Called>& calls) {
-    return [&calls](int id, int state, void* data) { calls.push_back({id, state, data}); };
-  }
 };
 
 TEST_F(ButtonEvent, CallsTheCallbackWithIdStateAndUserData) {
-  std::vector<Called> calls;
+  Notes notes;
   int data = 0;
-  server->set_button_cb(noting(calls), &data);
+  server->set_button_cb(notes.callback(), &data);
 
   EXPECT_EQ(press(3).s(), 0);
   EXPECT_EQ(release(3).s(), 0);
 
-  EXPECT_THAT(calls, ElementsAre(Called{3, 1, &data}, Called{3, 0, &data}));
+  EXPECT_THAT(notes.calls(), ElementsAre(Called{3, 1, &data}, Called{3, 0, &data}));
 }
 
 TEST_F(ButtonEvent, IsLogged) {
-  std::vector<Called> calls;
-  server->set_button_cb(noting(calls), nullptr);
+  Notes notes;
+  server->set_button_cb(notes.callback(), nullptr);
   const LogCapture log;
 
   press(3);
@@ -64,16 +79,16 @@ TEST_F(ButtonEvent, IsLogged) {
 }
 
 TEST_F(ButtonEvent, PassesAnyIdOn) {
-  std::vector<Called> calls;
-  server->set_button_cb(noting(calls), nullptr);
+  Notes notes;
+  server->set_button_cb(notes.callback(), nullptr);
 
   press(-1);
   press(std::numeric_limits<int>::max());
   press(std::numeric_limits<int>::min());
 
-  EXPECT_THAT(calls, ElementsAre(Called{-1, 1, nullptr},
-                                 Called{std::numeric_limits<int>::max(), 1, nullptr},
-                                 Called{std::numeric_limits<int>::min(), 1, nullptr}));
+  EXPECT_THAT(notes.calls(), ElementsAre(Called{-1, 1, nullptr},
+                                         Called{std::numeric_limits<int>::max(), 1, nullptr},
+                                         Called{std::numeric_limits<int>::min(), 1, nullptr}));
 }
 
 TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
@@ -87,27 +102,27 @@ TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
 }
 
 TEST_F(ButtonEvent, IsAnsweredWith4AfterTheCallbackIsCleared) {
-  std::vector<Called> calls;
-  server->set_button_cb(noting(calls), nullptr);
+  Notes notes;
+  server->set_button_cb(notes.callback(), nullptr);
   server->set_button_cb(nullptr, nullptr);
 
   EXPECT_EQ(press(3).s(), 4);
   EXPECT_EQ(release(3).s(), 4);
 
-  EXPECT_TRUE(calls.empty());
+  EXPECT_TRUE(notes.calls().empty());
 }
 
 TEST_F(ButtonEvent, GoesToTheLatestCallbackWithItsOwnUserData) {
-  std::vector<Called> former;
-  std::vector<Called> latter;
+  Notes former;
+  Notes latter;
   int data = 0;
-  server->set_button_cb(noting(former), &data);
-  server->set_button_cb(noting(latter), nullptr);
+  server->set_button_cb(former.callback(), &data);
+  server->set_button_cb(latter.callback(), nullptr);
 
   press(3);
 
-  EXPECT_TRUE(former.empty());
-  EXPECT_THAT(latter, ElementsAre(Called{3, 1, nullptr}));
+  EXPECT_TRUE(former.calls().empty());
+  EXPECT_THAT(latter.calls(), ElementsAre(Called{3, 1, nullptr}));
 }
 
 TEST_F(ButtonEvent, SetsItsCallbackSilently) {
@@ -143,19 +158,19 @@ TEST_F(ButtonEvent, IsAnsweredUnknownWhenTheCallbackThrows) {
 }
 
 TEST_F(ButtonEvent, MayReplaceItsOwnCallback) {
-  std::vector<Called> calls;
-  server->set_button_cb([&](int, int, void*) { server->set_button_cb(noting(calls), nullptr); },
+  Notes notes;
+  server->set_button_cb([&](int, int, void*) { server->set_button_cb(notes.callback(), nullptr); },
                         nullptr);
 
   EXPECT_EQ(press(1).s(), 0);
   EXPECT_EQ(press(2).s(), 0);
 
-  EXPECT_THAT(calls, ElementsAre(Called{2, 1, nullptr}));
+  EXPECT_THAT(notes.calls(), ElementsAre(Called{2, 1, nullptr}));
 }
 
 TEST_F(ButtonEvent, IsOnlyReportedByTheTwoServiceCalls) {
-  std::vector<Called> calls;
-  server->set_button_cb(noting(calls), nullptr);
+  Notes notes;
+  server->set_button_cb(notes.callback(), nullptr);
 
   for (const Rpc rpc : {&Stub::program_run, &Stub::program_stop}) {
     StatusResponse response;
@@ -164,7 +179,7 @@ TEST_F(ButtonEvent, IsOnlyReportedByTheTwoServiceCalls) {
     EXPECT_EQ(status.error_code(), grpc::StatusCode::UNIMPLEMENTED);
     EXPECT_EQ(status.error_message(), "");
   }
-  EXPECT_TRUE(calls.empty());
+  EXPECT_TRUE(notes.calls().empty());
 }
 
 }  // namespace

@@ -146,7 +146,6 @@ TEST_F(DisplaySync, SendsTheLayoutInItsOrder) {
                                       {{"id", 2}, {"start", 0.4}, {"end", 0.5}},
                                       {{"id", 3}, {"start", 0.7}, {"end", 0.9}}}));
   EXPECT_LE(call.at("deadline_ms"), 2100);
-  EXPECT_GT(call.at("deadline_ms"), 1000);
 }
 
 TEST_F(DisplaySync, SendsAnEmptyLayoutToo) {

@@ -4,11 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
 #include <stdexcept>
 
 #include "FootTouchGrpcClient.h"
 #include "FootTouchServerManager.h"
 #include "murlink_robot.h"
+#include "support/Listener.h"
 #include "support/PlatformCapture.h"
 #include "support/SimulatorProcess.h"
 
@@ -16,6 +18,7 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -89,8 +92,13 @@ TEST_F(FootTouch, CannotBeStartedBeforeItIsInitialized) {
 }
 
 TEST_F(FootTouch, TakesNoLayoutBeforeItIsInitialized) {
+  const LogCapture log;
+
   EXPECT_EQ(foot_touch_set_buttons(kTwoButtons, 2), -29398953);
 
+  EXPECT_EQ(log.lines().back(),
+            errorLine("FootTouchServerManager.cpp: SendBtnInfo",
+                      "WARNING: not initialized, initialize before set buttons"));
   EXPECT_THAT(rpcs(peers), IsEmpty());
 }
 
@@ -186,6 +194,19 @@ INSTANTIATE_TEST_SUITE_P(Robot, HalfInitialized,
                                            Refusal{"Fails", "fail UNAVAILABLE", -29398954}),
                          refusalName);
 
+TEST_F(FootTouch, GoesOnListeningWhenTheRobotFailed) {
+  peers.command("when service_On foot-touch answer 1");
+  foot_touch_initialize();
+  foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
+  waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
+
+  EXPECT_EQ(foot_touch_finalize(), 4);
+  EXPECT_EQ(peers.command("press 7 --force").at("s"), 0);
+
+  foot_touch_set_button_cb(nullptr, nullptr);
+  EXPECT_EQ(peers.command("press 7 --force").at("s"), 4);
+}
+
 TEST_F(FootTouch, NeedsTheLens) {
   const Device device(false, false);
 
@@ -256,15 +277,22 @@ TEST_F(FootTouch, SendsNoInvalidLayout) {
   foot_touch_initialize();
   const button wrong[] = {{1, 0, 0.6F}, {2, 0.5F, 1}};
 
+  const LogCapture log;
+
   EXPECT_EQ(foot_touch_set_buttons(wrong, 2), -22);
 
+  EXPECT_EQ(own(log).size(), 3U);
+  EXPECT_THAT(log.lines(),
+              Not(Contains(infoLine("FootTouchServerManager.cpp: GetInstance", "GetInstance"))));
   EXPECT_THAT(peers.calls("setButtons"), IsEmpty());
 }
 
 TEST_F(FootTouch, ThrowsALengthErrorForANegativeCount) {
   foot_touch_initialize();
 
-  EXPECT_THROW(foot_touch_set_buttons(kTwoButtons + 1, -1), std::length_error);
+  EXPECT_THAT([] { foot_touch_set_buttons(kTwoButtons + 1, -1); },
+              ::testing::ThrowsMessage<std::length_error>(
+                  "cannot create std::vector larger than max_size()"));
 
   EXPECT_THAT(peers.calls("setButtons"), IsEmpty());
 }
@@ -318,6 +346,7 @@ TEST_P(FinalizeFailed, StaysInitializedWithoutAServerAndCanBeTriedAgain) {
     EXPECT_EQ(foot_touch_initialize(), 0);
     EXPECT_EQ(log.lines().back(), info("foot_touch_initialize", "allready initialized"));
   }
+  EXPECT_EQ(foot_touch_set_buttons(kTwoButtons, 2), -29398953);
   peers.command("when service_Off foot-touch answer 0");
   const LogCapture log;
 
@@ -360,6 +389,118 @@ TEST_F(FootTouch, IsInitializedAgainAfterItIsFinalized) {
   foot_touch_finalize();
 
   EXPECT_THAT(log.lines(), Contains(kListening));
+}
+
+// ---- A whole life, line by line
+
+// What everybody but the server thread logs, with pointers masked: "function: body".
+std::vector<std::string> story(const LogCapture& log) {
+  static const std::regex pointer("0x[0-9a-f]+");
+  static const std::regex origin(R"(\w+\.cpp ?: (~?\w+)\(#\) > )");
+  std::vector<std::string> lines;
+  for (const LogLine& line : log.lines()) {
+    if (line.text.find(": serve(#)") == std::string::npos) {
+      const std::string masked = std::regex_replace(line.text, pointer, "PTR");
+      const std::string text = std::regex_replace(masked, origin, "$1: ");
+      lines.push_back((line.priority == 6 ? "E " : "I ") + text.substr(0, text.size() - 1));
+    }
+  }
+  return lines;
+}
+
+const std::vector<std::string> kManager = {"I GetInstance: GetInstance",
+                                           "I GetInstance: return instance PTR"};
+
+std::vector<std::string> joined(std::initializer_list<std::vector<std::string>> parts) {
+  std::vector<std::string> all;
+  for (const auto& part : parts) {
+    all.insert(all.end(), part.begin(), part.end());
+  }
+  return all;
+}
+
+const std::vector<std::string> kServerStart = {
+    "I getInstance: new FootTouch_Server PTR",
+    "I getInstance: FootTouch_Server Instance get PTR ",
+    "I initialize: foot touch api server address set to: " MURLINK_DISPLAY_HOST ":26711",
+    "I sync_address: sync_address",
+    "I sync_address: the address is :" MURLINK_DISPLAY_HOST ":26711",
+    "I sync_address: send address",
+    "I sync_address: sync_address OK",
+    "I initialize: initialized.",
+    "I run_server: server_thread started",
+    "I foot_touch_initialize: ServerRun"};
+
+const std::vector<std::string> kRobotOn = {"I getInstance: get instance PTR",
+                                           "I foot_touch_initialize: footTouchClient init",
+                                           "I foot_touch_initialize: done",
+                                           "I serviceOn: FootTouchGrpcClient::serviceOn begin",
+                                           "I serviceOn: foot touch service initialize OK",
+                                           "I foot_touch_initialize: init success"};
+
+const std::vector<std::string> kBanner = {
+    "I foot_touch_initialize: foot_touch_initialize 0529 0716 5s"};
+
+TEST_F(FootTouch, TellsItsWholeLifeInTheLog) {
+  FootTouchServerManager::GetInstance();
+  delete FootTouchGrpcClient::_instance;
+  FootTouchGrpcClient::setInstance(nullptr);
+  const LogCapture log;
+
+  foot_touch_finalize();
+  foot_touch_initialize();
+  foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
+  foot_touch_set_buttons(kTwoButtons, 2);
+  start_foot_touch();
+  waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
+  peers.command("tap 1");
+  stop_foot_touch();
+  foot_touch_finalize();
+  foot_touch_initialize();
+
+  EXPECT_THAT(
+      story(log),
+      ElementsAreArray(joined(
+          {{"I foot_touch_finalize: not init foot touch, init first"},
+           kBanner,
+           kManager,
+           kServerStart,
+           {"I FootTouchGrpcClient: create  FootTouchGrpcClient"},
+           kRobotOn,
+           {"I foot_touch_set_button_cb: foot_touch_set_button_cb!"},
+           kManager,
+           {"I foot_touch_set_button_cb: button callback set.",
+            "I foot_touch_set_buttons: foot_touch_set_buttons", "I check_buttons: check_buttons"},
+           kManager,
+           {"I send_button_info: send_button_info successed",
+            "I start_foot_touch: starting foot touch"},
+           kManager,
+           {"I getInstance: FootTouch_Server Instance get PTR ", "I programRun: programRun BIEGIN",
+            "I programRun: stub ->program_run() begin", "I programRun: stub ->program_run() done",
+            "I programRun: foot touch run OK", "I service_On: button_cb for service on",
+            "I service_On: the request is 1 and the state is 1 (on)",
+            "I service_On: button_cb for service on done",
+            "I service_Off: button_cb for service off",
+            "I service_Off: the request is 1 and the state is 0 (off)",
+            "I service_Off: button_cb for service off done",
+            "I stop_foot_touch: stopping foot touch", "I programStop: programStop BEGIN",
+            "I programStop: stub ->program_stop() begin",
+            "I programStop: stub ->program_stop() done",
+            "I programStop: foot touch stopped, status OK",
+            "I foot_touch_finalize: foot_touch_finalize"},
+           kManager,
+           {"I ServerStop: terminate_callback_server", "I releaseInstance: 0522 0522 release",
+            "I terminate_server: terminate_server", "I terminate_server: shutting down",
+            "E terminate_server: server shutdown", "I terminate_server: server terminated.",
+            "I terminate_server: 0522 0522 done terminate",
+            "I ~FootTouch_Server: ~FootTouch_Server", "I releaseInstance: delete FootTouch_Server",
+            "I releaseInstance: Instance Released", "I ServerStop: releaseInstance done",
+            "I serviceOff: foot touch service finalize OK",
+            "I foot_touch_finalize: deinit success"},
+           kBanner,
+           kManager,
+           kServerStart,
+           kRobotOn})));
 }
 
 // ---- A callback that comes too early

@@ -42,11 +42,23 @@ long residentKiB() {
   return 0;
 }
 
+const LogLine kListening =
+    infoLine("GrpcServer.cpp: serve", "Server listening on " MURLINK_DISPLAY_HOST ":26711");
+
 void cycle(std::chrono::milliseconds gap) {
+  const LogCapture log;
   ASSERT_EQ(foot_touch_initialize(), 0);
   std::this_thread::sleep_for(gap);
   ASSERT_EQ(foot_touch_finalize(), 0);
+  ASSERT_THAT(log.lines(), Contains(kListening));
 }
+
+// A sanitizer's own books grow with every thread and allocation.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kMemoryIsOurs = false;
+#else
+constexpr bool kMemoryIsOurs = true;
+#endif
 
 TEST(FootTouchCycles, LeaveThreadsDescriptorsAndMemoryAsTheyWere) {
   SimulatorProcess peers;
@@ -65,7 +77,9 @@ TEST(FootTouchCycles, LeaveThreadsDescriptorsAndMemoryAsTheyWere) {
       << threads_before << " threads became " << threads();
   EXPECT_TRUE(within10s([&] { return descriptors() <= descriptors_before; }))
       << descriptors_before << " descriptors became " << descriptors();
-  EXPECT_LT(residentKiB() - memory_before, 8192);
+  if (kMemoryIsOurs) {
+    EXPECT_LT(residentKiB() - memory_before, 8192);
+  }
 }
 
 TEST(FootTouchPort, ThatIsTakenLeavesTheApplicationDeafButInControl) {
@@ -85,6 +99,7 @@ TEST(FootTouchPort, ThatIsTakenLeavesTheApplicationDeafButInControl) {
   }
 
   EXPECT_EQ(foot_touch_initialize(), 0);
+  waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
   start_foot_touch();
   EXPECT_EQ(peers.command("press 1").at("s"), 0);
@@ -154,7 +169,10 @@ TEST_F(KilledPeer, IsToleratedWhileItIsStopped) {
   EXPECT_EQ(start_foot_touch(), FOOT_TOUCH_ERROR_TIMED_OUT);
 
   robot->signal(SIGCONT);
-  EXPECT_TRUE(within10s([] { return start_foot_touch() != FOOT_TOUCH_ERROR_TIMED_OUT; }));
+  EXPECT_TRUE(within10s([] {
+    const int result = start_foot_touch();
+    return result == FOOT_TOUCH_ERROR_NONE || result == FOOT_TOUCH_ERROR_ALREADY_RUNNING;
+  }));
   EXPECT_EQ(foot_touch_finalize(), 0);
 }
 

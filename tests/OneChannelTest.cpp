@@ -70,6 +70,8 @@ extern "C" void grpc_shutdown() {
 
 namespace {
 
+#if !defined(__SANITIZE_THREAD__)  // whose std::call_once does not survive an exception
+
 // First of all, while there is no channel yet.
 TEST(RobotChannel, IsTriedAgainAfterAFailureToMakeIt) {
   refuse_channel = true;
@@ -84,6 +86,8 @@ TEST(RobotChannel, IsTriedAgainAfterAFailureToMakeIt) {
   delete FootTouchGrpcClient::getInstance();
   FootTouchGrpcClient::setInstance(nullptr);
 }
+
+#endif
 
 TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
   std::atomic<bool> go{false};

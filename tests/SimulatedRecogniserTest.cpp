@@ -39,15 +39,6 @@ class SimulatedRecogniser : public ::testing::Test {
     }
     return reports;
   }
-
-  std::string refusal(const std::string& command) {
-    try {
-      simulator.command(command);
-    } catch (const std::runtime_error& error) {
-      return error.what();
-    }
-    return "";
-  }
 };
 
 // ---- Reports
@@ -136,7 +127,7 @@ TEST_F(SimulatedRecogniser, RefusesWhileFootTouchDoesNotRun) {
     simulator.command(std::string("set foot-touch ") + state);
     for (const char* command :
          {"press 1", "release 1", "tap 1", "touch 0", "lift", "walk 0 1 0s"}) {
-      EXPECT_THAT(refusal(command), HasSubstr("foot touch does not run")) << command;
+      EXPECT_THAT(simulator.refusal(command), HasSubstr("foot touch does not run")) << command;
     }
   }
   EXPECT_THAT(heard(), IsEmpty());
@@ -156,7 +147,7 @@ TEST_F(SimulatedRecogniser, ReportsAnywayWhenForced) {
 TEST_F(SimulatedRecogniser, RefusesWithoutAnAddress) {
   simulator.command("reset");
 
-  EXPECT_THAT(refusal("press 1 --force"), HasSubstr("nobody has said where"));
+  EXPECT_THAT(simulator.refusal("press 1 --force"), HasSubstr("nobody has said where"));
 }
 
 // ---- Feet
@@ -184,13 +175,13 @@ TEST_F(SimulatedRecogniser, PressesEveryButtonUnderTheFootUntilLifted) {
 TEST_F(SimulatedRecogniser, PutsTheFootDownOnce) {
   display.setButtons({{1, 0, 0.5F}});
 
-  EXPECT_THAT(refusal("lift"), HasSubstr("the foot is not on a button"));
-  EXPECT_THAT(refusal("touch 0.75"), HasSubstr("there is no button at 0.75"));
+  EXPECT_THAT(simulator.refusal("lift"), HasSubstr("the foot is not on a button"));
+  EXPECT_THAT(simulator.refusal("touch 0.75"), HasSubstr("there is no button at 0.75"));
   simulator.command("touch 0.25");
-  EXPECT_THAT(refusal("touch 0.25"), HasSubstr("the foot is down already"));
-  EXPECT_THAT(refusal("walk 0 1 1s"), HasSubstr("the foot is down already"));
+  EXPECT_THAT(simulator.refusal("touch 0.25"), HasSubstr("the foot is down already"));
+  EXPECT_THAT(simulator.refusal("walk 0 1 1s"), HasSubstr("the foot is down already"));
   simulator.command("lift");
-  EXPECT_THAT(refusal("lift"), HasSubstr("the foot is not on a button"));
+  EXPECT_THAT(simulator.refusal("lift"), HasSubstr("the foot is not on a button"));
 }
 
 TEST_F(SimulatedRecogniser, WalksOverTheButtonsInTime) {

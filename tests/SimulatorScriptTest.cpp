@@ -31,15 +31,6 @@ class Script : public ::testing::Test {
     simulator.command("callback " + simulator.address("robot"));
     simulator.command(command + " --force");
   }
-
-  std::string refusal(const std::string& command) {
-    try {
-      simulator.command(command);
-    } catch (const std::runtime_error& error) {
-      return error.what();
-    }
-    return "";
-  }
 };
 
 // ---- Waiting
@@ -63,7 +54,7 @@ TEST_F(Script, WaitsForEachCallOnce) {
 
   EXPECT_EQ(simulator.command("wait setButtons").at("call").at("number"), 1);
   EXPECT_EQ(simulator.command("wait setButtons").at("call").at("number"), 2);
-  EXPECT_THAT(refusal("wait setButtons 50ms"),
+  EXPECT_THAT(simulator.refusal("wait setButtons 50ms"),
               HasSubstr("no further call of setButtons within 50ms"));
 }
 
@@ -72,7 +63,8 @@ TEST_F(Script, DoesNotGoBackBehindTheCallThatItWaitedFor) {
   display.setButtons({});
   simulator.command("wait setButtons");
 
-  EXPECT_THAT(refusal("wait service_On any 10ms"), HasSubstr("no further call of service_On any"));
+  EXPECT_THAT(simulator.refusal("wait service_On any 10ms"),
+              HasSubstr("no further call of service_On any"));
 }
 
 TEST_F(Script, WaitsForAFeature) {
@@ -101,14 +93,14 @@ TEST_F(Script, SeesACallThatIsNeverAnswered) {
   EXPECT_NO_THROW(simulator.command("wait setButtons 2s"));
 }
 
-TEST_F(Script, IsCutShortByTheEnd) {
+TEST(ScriptLine, IsCutShortByTheEnd) {
   for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s"}) {
-    SimulatorProcess cut({"--robot", "off", "--display", "off"});
-    auto refused = std::async(std::launch::async, [&] { EXPECT_ANY_THROW(cut.command(command)); });
-    while (refused.wait_for(milliseconds(20)) == std::future_status::timeout) {
-      cut.signal(SIGTERM);
-    }
-    EXPECT_EQ(cut.waitForEnd(), 3) << command;
+    SimulatorProcess simulator({"--robot", "off", "--display", "off"});
+    // The second line has been read when the first one is answered.
+    simulator.command("state\n" + std::string(command));
+    simulator.signal(SIGTERM);
+
+    EXPECT_EQ(simulator.waitForEnd(), 3) << command;
   }
 }
 
@@ -151,7 +143,7 @@ class Unmet : public Script, public ::testing::WithParamInterface<Disappointment
 TEST_P(Unmet, IsAnError) {
   display.setButtons({{4, 0, 0}});
 
-  EXPECT_THAT(refusal(GetParam().expectation), HasSubstr(GetParam().complaint));
+  EXPECT_THAT(simulator.refusal(GetParam().expectation), HasSubstr(GetParam().complaint));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -172,7 +164,7 @@ TEST_F(Script, MissesAnAnswerWhenTheReportFailed) {
   simulator.command("when any any fail INTERNAL");
   callRobot("press 1");
 
-  EXPECT_THAT(refusal("expect s 0"), HasSubstr("should be 0 but is INTERNAL"));
+  EXPECT_THAT(simulator.refusal("expect s 0"), HasSubstr("should be 0 but is INTERNAL"));
 }
 
 // ---- Looking back
@@ -202,7 +194,7 @@ TEST_F(Script, ForgetsEverythingOnReset) {
        {"expect calls 0", "expect buttons", "expect address none", "expect state gesture off"}) {
     EXPECT_NO_THROW(simulator.command(command)) << command;
   }
-  EXPECT_THAT(refusal("expect s 0"), HasSubstr("nothing has been pressed yet"));
+  EXPECT_THAT(simulator.refusal("expect s 0"), HasSubstr("nothing has been pressed yet"));
 }
 
 TEST_F(Script, RepeatsACommand) {
@@ -213,50 +205,7 @@ TEST_F(Script, RepeatsACommand) {
   simulator.command("expect calls 3 service_On foot-touch");
 }
 
-// ---- Wrong commands and the exit code
-
-struct WrongCommand {
-  const char* name;
-  const char* text;
-  const char* complaint;
-};
-
-class RefusedByScripts : public Script, public ::testing::WithParamInterface<WrongCommand> {};
-
-TEST_P(RefusedByScripts, SaysWhatWasExpected) {
-  EXPECT_THAT(refusal(GetParam().text), HasSubstr(GetParam().complaint));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Command, RefusedByScripts,
-    ::testing::Values(
-        WrongCommand{"WhenWithFeatureForTheDisplay", "when setButtons gesture never",
-                     "expected what to do"},
-        WrongCommand{"WaitWithoutRpc", "wait", "expected an rpc"},
-        WrongCommand{"WaitWithWrongFeature", "wait any hands", "expected a feature"},
-        WrongCommand{"WaitWithWrongTime", "wait any any 3", "expected a duration"},
-        WrongCommand{"WaitWithFeatureForTheDisplay", "wait setButtons gesture",
-                     "expected a duration"},
-        WrongCommand{"WaitWithMore", "wait any any 1s x", "expected the end of the line"},
-        WrongCommand{"PauseWithoutTime", "pause", "expected a duration"},
-        WrongCommand{"ExpectWithoutSubject", "expect",
-                     "expected what to expect (state, calls, buttons, address or s)"},
-        WrongCommand{"ExpectWithWrongCount", "expect calls -1", "a number of calls, 0 or more"},
-        WrongCommand{"ExpectWithWrongButton", "expect buttons one", "expected the id of a button"},
-        WrongCommand{"ExpectWithWrongAddress", "expect address here", "expected HOST:PORT"},
-        WrongCommand{"ExpectWithMore", "expect s 0 0", "expected the end of the line"},
-        WrongCommand{"PressWithoutId", "press", "expected the id of a button (a whole number)"},
-        WrongCommand{"PressWithMore", "press 1 force", "expected the end of the line"},
-        WrongCommand{"TapWithWrongTime", "tap 1 2", "expected a duration"},
-        WrongCommand{"TouchOutside", "touch 1.01", "expected a position (0 to 1)"},
-        WrongCommand{"TouchNan", "touch nan", "expected a position (0 to 1)"},
-        WrongCommand{"WalkWithoutTime", "walk 0 1", "expected a duration"},
-        WrongCommand{"CallbackWithoutPort", "callback 127.0.0.1", "expected HOST:PORT"},
-        WrongCommand{"RepeatWithoutNumber", "repeat", "expected a number of times, 1 or more"},
-        WrongCommand{"RepeatZeroTimes", "repeat 0 state", "expected a number of times, 1 or more"},
-        WrongCommand{"RepeatNothing", "repeat 2", "time 1 of 2: expected a command"},
-        WrongCommand{"RepeatSomethingWrong", "repeat 2 press", "time 1 of 2: expected the id"}),
-    rowName<WrongCommand>);
+// ---- Files
 
 TEST(ScriptFile, DecidesTheExitCode) {
   const std::string path = ::testing::TempDir() + "simulator_script_exit_code";

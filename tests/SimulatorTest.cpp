@@ -38,15 +38,6 @@ Finished scripted(const std::string& script) {
   return simulator({"--robot", "127.0.0.1:0", "--display", "off", "--script", path});
 }
 
-std::string refusal(SimulatorProcess& robot, const std::string& command) {
-  try {
-    robot.command(command);
-  } catch (const std::runtime_error& error) {
-    return error.what();
-  }
-  return "";
-}
-
 // ---- Language
 
 TEST(Reset, ForgetsRulesAndSwitchesEverythingOff) {
@@ -71,7 +62,7 @@ class Refused : public ::testing::TestWithParam<WrongCommand> {};
 TEST_P(Refused, SaysWhatWasExpectedAndGoesOn) {
   SimulatorProcess robot({"--robot", "127.0.0.1:0", "--display", "off"});
 
-  EXPECT_THAT(refusal(robot, GetParam().text), HasSubstr(GetParam().complaint));
+  EXPECT_THAT(robot.refusal(GetParam().text), HasSubstr(GetParam().complaint));
 
   EXPECT_EQ(robot.command("state").at("answer"), "ok");
 }
@@ -92,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
         WrongCommand{"WithStatusOk", "when any any fail OK", "expected a gRPC status (CANCELLED"},
         WrongCommand{"WithStatus17", "when any any fail 17", "or 1 to 16"},
         WrongCommand{"WithZeroTimes", "when any any never 0 times", "1 or more"},
-        WrongCommand{"WithoutTimes", "when any any never 2", "expected \\\"times\\\""},
+        WrongCommand{"WithoutTimes", "when any any never 2", "expected \"times\""},
         WrongCommand{"WithMore", "when any any never once more", "expected the end of the line"},
         WrongCommand{"WithWrongState", "set gesture half", "expected a state (off, on or running)"},
         WrongCommand{"ClearWithMore", "clear all", "expected the end of the line"},
@@ -102,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Refused, ChangesNothing) {
   SimulatorProcess robot;
 
-  refusal(robot, "when any any answer 3 once more");
+  robot.refusal("when any any answer 3 once more");
 
   EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NONE);
 }

@@ -7,16 +7,40 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <stdexcept>
+#include <string>
 #include <system_error>
 
-Listener::Listener(const char* host, std::uint16_t port)
-    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-  const int yes = 1;
-  setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+#include "Within.h"
+
+namespace {
+
+sockaddr_in socketAddress(const char* host, std::uint16_t port) {
   sockaddr_in address{};
   address.sin_family = AF_INET;
   address.sin_port = htons(port);
   inet_pton(AF_INET, host, &address.sin_addr);
+  return address;
+}
+
+bool accepts(const sockaddr_in& address) {
+  const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const bool connected =
+      connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+  close(probe);
+  return connected;
+}
+
+}  // namespace
+
+Listener::Listener(const char* host, std::uint16_t port, bool sharing)
+    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  const int yes = 1;
+  setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  if (sharing) {
+    setsockopt(socket_, SOL_SOCKET, SO_REUSEPORT, &yes, sizeof yes);
+  }
+  const sockaddr_in address = socketAddress(host, port);
   if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       listen(socket_, 16) != 0) {
     const int error = errno;
@@ -27,4 +51,11 @@ Listener::Listener(const char* host, std::uint16_t port)
 
 Listener::~Listener() {
   close(socket_);
+}
+
+void waitUntilListening(const char* host, std::uint16_t port) {
+  const sockaddr_in address = socketAddress(host, port);
+  if (!within10s([&address] { return accepts(address); })) {
+    throw std::runtime_error("nobody listens on " + std::string(host) + ":" + std::to_string(port));
+  }
 }

@@ -7,8 +7,9 @@
 // Takes a TCP port as a stranger's program would: listens, and never speaks.
 class Listener {
  public:
-  // `host` is an IPv4 address. Throws std::system_error when the port cannot be had.
-  Listener(const char* host, std::uint16_t port);
+  // `host` is an IPv4 address. `sharing` as gRPC's servers do it by default: whoever agrees may
+  // listen on the same port. Throws std::system_error when the port cannot be had.
+  Listener(const char* host, std::uint16_t port, bool sharing = false);
   ~Listener();
   Listener(const Listener&) = delete;
   Listener& operator=(const Listener&) = delete;
@@ -16,5 +17,9 @@ class Listener {
  private:
   int socket_;
 };
+
+// Waits until something accepts connections there, for 10 s at most: the library's server starts on a
+// thread of its own, after the call that starts it has returned. Throws std::runtime_error.
+void waitUntilListening(const char* host, std::uint16_t port);
 
 #endif

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "murlink_robot.h"
+#include "support/Listener.h"
 #include "support/PressLog.h"
 #include "support/SimulatorProcess.h"
 
@@ -14,6 +15,7 @@ class RunningFootTouch : public ::testing::Test {
   RunningFootTouch() {
     const button buttons[] = {{1, 0, 0.5F}, {2, 0.5F, 1}};
     EXPECT_EQ(foot_touch_initialize(), 0);
+    waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
     foot_touch_set_button_cb(PressLog::note, &log);
     EXPECT_EQ(foot_touch_set_buttons(buttons, 2), 0);
     EXPECT_EQ(start_foot_touch(), 0);

@@ -56,19 +56,28 @@ SimulatorProcess::~SimulatorProcess() {
 }
 
 SimulatorProcess::Json SimulatorProcess::command(const std::string& line) {
+  Json answer = answerTo(line);
+  if (answer.at("answer") != "ok") {
+    throw std::runtime_error(line + ": " + answer.dump());
+  }
+  return answer;
+}
+
+std::string SimulatorProcess::refusal(const std::string& line) {
+  return answerTo(line).value("message", "");
+}
+
+SimulatorProcess::Json SimulatorProcess::answerTo(const std::string& line) {
   const std::lock_guard<std::mutex> turn(one_command_);
   std::unique_lock<std::mutex> lock(mutex_);
   const std::size_t before = answers_.size();
   const std::string text = line + "\n";
   if (write(input_.writeEnd(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-      !changed_.wait_for(lock, kAnswerLimit, [&] { return answers_.size() > before; })) {
+      !changed_.wait_for(lock, kAnswerLimit, [&] { return answers_.size() > before || ended_; }) ||
+      answers_.size() == before) {
     throw std::runtime_error("the simulator did not answer: " + line);
   }
-  Json answer = answers_.back();
-  if (answer.at("answer") != "ok") {
-    throw std::runtime_error(line + ": " + answer.dump());
-  }
-  return answer;
+  return answers_[before];
 }
 
 std::vector<SimulatorProcess::Json> SimulatorProcess::calls() {
@@ -96,10 +105,11 @@ SimulatorProcess::Json SimulatorProcess::waitForEvent(
   auto found = events_.end();
   const auto arrived = [&] {
     found = std::find_if(events_.begin(), events_.end(), wanted);
-    return found != events_.end();
+    return found != events_.end() || ended_;
   };
-  if (!changed_.wait_for(lock, kLimit, arrived)) {
-    throw std::runtime_error("the simulator did not report the event that was waited for");
+  if (!changed_.wait_for(lock, kLimit, arrived) || found == events_.end()) {
+    throw std::runtime_error(ended_ ? "the simulator ended before the event that was waited for"
+                                    : "the simulator did not report the event that was waited for");
   }
   return *found;
 }
@@ -139,6 +149,11 @@ void SimulatorProcess::readOutput() {
       pending.erase(0, end + 1);
     }
   }
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    ended_ = true;
+  }
+  changed_.notify_all();
 }
 
 void SimulatorProcess::keep(const std::string& line) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The simulator program as a process of its own: the peer of every test, driven through its own
-// command language. Any thread may use it. Everything
-// that waits has a limit and throws std::runtime_error beyond it.
+// command language. Any thread may use it. Everything that waits has a limit and throws
+// std::runtime_error beyond it.
 #ifndef MURLINK_TESTS_SIMULATOR_PROCESS_H
 #define MURLINK_TESTS_SIMULATOR_PROCESS_H
 
@@ -30,6 +30,9 @@ class SimulatorProcess {
 
   // Gives one command; throws when the simulator refuses it. Returns the answer.
   Json command(const std::string& line);
+  // Gives one command that is to be refused and returns what the simulator says; empty when it
+  // carries the command out.
+  std::string refusal(const std::string& line);
 
   // Every call that it has got so far on both sides, or those of one rpc, oldest first.
   std::vector<Json> calls();
@@ -58,8 +61,10 @@ class SimulatorProcess {
   std::condition_variable changed_;
   std::vector<Json> events_;
   std::vector<Json> answers_;
+  bool ended_ = false;  // it will print nothing more
   std::thread reader_;
 
+  Json answerTo(const std::string& line);
   std::vector<Json> events(const std::function<bool(const Json&)>& wanted);
   void readOutput();
   void keep(const std::string& line);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gmock/gmock.h>
 
-#include "Proxies.h"
+#include "TestProcess.h"
 
 int main(int argc, char** argv) {
-  clearProxies();
+  prepareTestProcess();
   ::testing::InitGoogleMock(&argc, argv);
   return RUN_ALL_TESTS();
 }

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef MURLINK_TESTS_TEST_PROCESS_H
+#define MURLINK_TESTS_TEST_PROCESS_H
+
+#include <csignal>
+#include <cstdlib>
+
+// Call it first of all, in every test program.
+inline void prepareTestProcess() {
+  // gRPC would send even calls on loopback to a proxy that the environment names.
+  for (const char* name : {"grpc_proxy", "https_proxy", "http_proxy"}) {
+    unsetenv(name);
+  }
+  // A peer that has ended is an error to report, not the end of the tests.
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+#endif
