@@ -31,17 +31,24 @@ Message called(int number, const Call& call, const grpc::ServerContext& context)
   return message;
 }
 
-// Waits until the caller has gone.
-Reply neverAnswer(Ending& ending, const grpc::ServerContext& context) {
-  constexpr std::chrono::milliseconds kGlance{20};
-  while (!context.IsCancelled() && ending.sleep(kGlance)) {
-  }
-  return {grpc::Status::CANCELLED, {"none, the caller gave up", {{"gave_up", true}}}};
-}
-
 Reply fail(grpc::StatusCode status, const std::string& why) {
   const std::string name = failureName(status);
   return {grpc::Status(status, why), {"fails with " + name, {{"status", name}}}};
+}
+
+Reply endOfSimulator() {
+  return fail(grpc::StatusCode::UNAVAILABLE, "the simulator ends");
+}
+
+// Waits until the caller has gone.
+Reply neverAnswer(Ending& ending, const grpc::ServerContext& context) {
+  constexpr std::chrono::milliseconds kGlance{20};
+  while (!context.IsCancelled()) {
+    if (!ending.sleep(kGlance)) {
+      return endOfSimulator();
+    }
+  }
+  return {grpc::Status::CANCELLED, {"none, the caller gave up", {{"gave_up", true}}}};
 }
 
 Reply answer(int s, const Call& call, StatusResponse& response) {
@@ -61,7 +68,7 @@ Reply treat(const Call& call, const Treatment& treatment, Ending& ending,
     return neverAnswer(ending, context);
   }
   if (!ending.sleep(treatment.wait)) {
-    return fail(grpc::StatusCode::UNAVAILABLE, "the simulator ends");
+    return endOfSimulator();
   }
   if (treatment.fail) {
     return fail(*treatment.fail, "told to fail");

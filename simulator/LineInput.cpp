@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cerrno>
+#include <system_error>
 #include <utility>
 
 namespace simulator {
@@ -18,24 +19,27 @@ bool LineInput::waitForInput() const {
 }
 
 std::optional<std::string> LineInput::next() {
-  for (;;) {
+  while (!ending_.requested()) {
     if (const auto end = buffer_.find('\n'); end != std::string::npos) {
       std::string line = buffer_.substr(0, end);
       buffer_.erase(0, end + 1);
       return line;
     }
     if (!waitForInput()) {
-      return std::nullopt;
+      break;
     }
     std::array<char, 4096> chunk{};
     const ssize_t length = read(descriptor_, chunk.data(), chunk.size());
     if (length > 0) {
       buffer_.append(chunk.data(), static_cast<std::size_t>(length));
-    } else if (length == 0 || errno != EINTR) {
+    } else if (length == 0) {
       // A last line may lack its newline.
       return buffer_.empty() ? std::nullopt : std::optional(std::exchange(buffer_, {}));
+    } else if (errno != EINTR) {
+      throw std::system_error(errno, std::generic_category(), "cannot read commands");
     }
   }
+  return std::nullopt;
 }
 
 }  // namespace simulator

@@ -13,14 +13,15 @@ namespace simulator {
 class LineInput {
  public:
   // Does not close `descriptor`.
-  LineInput(int descriptor, const Ending& ending) : descriptor_(descriptor), ending_(ending) {}
+  LineInput(int descriptor, Ending& ending) : descriptor_(descriptor), ending_(ending) {}
 
-  // The next line without its newline; none when the input or the simulator ends.
+  // The next line without its newline; none when the input or the simulator ends. Throws
+  // std::system_error when the input cannot be read.
   std::optional<std::string> next();
 
  private:
   const int descriptor_;
-  const Ending& ending_;
+  Ending& ending_;
   std::string buffer_;
 
   bool waitForInput() const;

@@ -95,6 +95,7 @@ int layoutResult(int sent) {
   }
 }
 
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): callers have it as a member
 FootTouch_Server* FootTouchServerManager::get_server_instance() {
   return FootTouch_Server::getInstance();
 }

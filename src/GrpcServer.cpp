@@ -86,6 +86,7 @@ int FootTouch_Server::initialize(std::string listening_address) {
   return 0;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): callers have it by value
 bool FootTouch_Server::same_address(std::string other) const {
   return other == server_address;
 }

@@ -136,7 +136,7 @@ TEST_F(ButtonEvent, SetsItsCallbackSilently) {
 TEST_F(ButtonEvent, IsAnsweredOnlyOnceTheCallbackHasReturned) {
   std::promise<void> go;
   server->set_button_cb([&go](int, int, void*) { go.get_future().wait(); }, nullptr);
-  auto pressing = std::async(std::launch::async, [this] { return press(1).s(); });
+  auto pressing = std::async(std::launch::async, [] { return press(1).s(); });
 
   EXPECT_EQ(pressing.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
   go.set_value();

@@ -265,7 +265,7 @@ TEST_F(CallbackServer, WaitsAtItsEndForTheCallbackThatRuns) {
       nullptr);
   server->initialize(kAddress);
   server->run_server();
-  auto pressing = std::async(std::launch::async, [this] { return press(1).s(); });
+  auto pressing = std::async(std::launch::async, [] { return press(1).s(); });
   entered.get_future().wait();
   auto end = std::async(std::launch::async, [&] {
     server->terminate_server();

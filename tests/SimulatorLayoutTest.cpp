@@ -12,7 +12,6 @@
 
 namespace {
 
-using simulator::Button;
 using simulator::Edge;
 using simulator::Layout;
 using ::testing::ElementsAre;

@@ -160,6 +160,11 @@ TEST(Simulator, EndsOnQuit) {
   EXPECT_EQ(robot.waitForEnd(), 0);
 }
 
+TEST(Simulator, CarriesOutNothingAfterQuit) {
+  EXPECT_THAT(scripted("quit\nset gesture on\n").out, EndsWith("ok\n"));
+  EXPECT_THAT(scripted("quit\nset gesture on\n").out, ::testing::Not(HasSubstr("gesture")));
+}
+
 TEST(Simulator, EndsOnSigtermAndSigint) {
   for (const int number : {SIGTERM, SIGINT}) {
     SimulatorProcess robot;
