@@ -96,11 +96,11 @@ TEST_F(Script, SeesACallThatIsNeverAnswered) {
 TEST(ScriptLine, IsCutShortByTheEnd) {
   for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s"}) {
     SimulatorProcess simulator({"--robot", "off", "--display", "off"});
-    // The second line has been read when the first one is answered.
     simulator.command("state\n" + std::string(command));
     simulator.signal(SIGTERM);
 
-    EXPECT_EQ(simulator.waitForEnd(), 3) << command;
+    // 3 for a command that was cut short, 0 when the end came just before it.
+    EXPECT_THAT(simulator.waitForEnd(), ::testing::AnyOf(0, 3)) << command;
   }
 }
 
