@@ -261,30 +261,26 @@ TEST_P(EveryOperation, WorksAgainAfterAFailure) {
   expectEnding(GetParam(), &Operation::done);
 }
 
-TEST(ProgramRun, SaysThatItIsDoneOnlyAfterTheCall) {
+// The third line, "done", must not be logged before the call has taken its time.
+void expectDoneOnlyAfterTheCall(int (FootTouchGrpcClient::*command)()) {
   SimulatorProcess robot;
-  robot.command("when program_run any wait 300ms");
+  robot.command("when any foot-touch wait 300ms");
   FootTouchGrpcClient client;
   const LogCapture log;
 
-  client.programRun();
+  (client.*command)();
 
   const auto lines = log.lines();
   ASSERT_EQ(lines.size(), 4U);
   EXPECT_GE(lines[2].when - lines[1].when, milliseconds(300));
 }
 
+TEST(ProgramRun, SaysThatItIsDoneOnlyAfterTheCall) {
+  expectDoneOnlyAfterTheCall(&FootTouchGrpcClient::programRun);
+}
+
 TEST(ProgramStop, SaysThatItIsDoneOnlyAfterTheCall) {
-  SimulatorProcess robot;
-  robot.command("when program_stop any wait 300ms");
-  FootTouchGrpcClient client;
-  const LogCapture log;
-
-  client.programStop();
-
-  const auto lines = log.lines();
-  ASSERT_EQ(lines.size(), 4U);
-  EXPECT_GE(lines[2].when - lines[1].when, milliseconds(300));
+  expectDoneOnlyAfterTheCall(&FootTouchGrpcClient::programStop);
 }
 
 TEST(Commands, ShareTheChannelFromEightThreadsAtOnce) {
