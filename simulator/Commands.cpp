@@ -34,6 +34,13 @@ std::optional<Message> Commands::execute(const std::string& line) {
   }
 }
 
+Message Commands::run(WordReader& words) const {
+  if (ending_.requested()) {
+    throw CommandError("the simulator ends");
+  }
+  return find(words.take()).run(words);
+}
+
 Message ok(const std::string& details, const nlohmann::ordered_json& more) {
   nlohmann::ordered_json answer{{"answer", "ok"}};
   answer.update(more);

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Ending.h"
 #include "Journal.h"
 #include "WordReader.h"
 
@@ -27,6 +28,9 @@ class Commands {
     Run run;
   };
 
+  // Once the end has been requested, commands are refused.
+  explicit Commands(Ending& ending) : ending_(ending) {}
+
   void add(Entry entry) { entries_.push_back(std::move(entry)); }
   const std::vector<Entry>& entries() const { return entries_; }
   // Throws Misunderstood when there is none of that name.
@@ -36,12 +40,13 @@ class Commands {
   // is not understood changes nothing, and its answer says what was expected.
   std::optional<Message> execute(const std::string& line);
   // Carries out the command that the words name. Throws CommandError.
-  Message run(WordReader& words) const { return find(words.take()).run(words); }
+  Message run(WordReader& words) const;
 
   // True once a command was answered with an error.
   bool failed() const { return failed_; }
 
  private:
+  Ending& ending_;
   std::vector<Entry> entries_;
   bool failed_ = false;
 };

@@ -19,14 +19,14 @@ bool LineInput::waitForInput() const {
 }
 
 std::optional<std::string> LineInput::next() {
-  while (!ending_.requested()) {
+  for (;;) {
     if (const auto end = buffer_.find('\n'); end != std::string::npos) {
       std::string line = buffer_.substr(0, end);
       buffer_.erase(0, end + 1);
       return line;
     }
     if (!waitForInput()) {
-      break;
+      return std::nullopt;
     }
     std::array<char, 4096> chunk{};
     const ssize_t length = read(descriptor_, chunk.data(), chunk.size());
@@ -39,7 +39,6 @@ std::optional<std::string> LineInput::next() {
       throw std::system_error(errno, std::generic_category(), "cannot read commands");
     }
   }
-  return std::nullopt;
 }
 
 }  // namespace simulator

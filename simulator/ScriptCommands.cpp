@@ -58,13 +58,10 @@ Message showHistory(Simulation& simulation, WordReader& words) {
   return answer;
 }
 
-Message repeat(const Commands& commands, Simulation& simulation, WordReader& words) {
+Message repeat(const Commands& commands, WordReader& words) {
   const int times = parseAtLeast(1, words.take(), "a number of times");
   nlohmann::ordered_json last;
   for (int round = 1; round <= times; ++round) {
-    if (simulation.ending.requested()) {
-      throw CommandError("the simulator ends");
-    }
     WordReader command = words;
     try {
       last = commands.run(command).record;
@@ -88,7 +85,7 @@ void addScriptCommands(Commands& commands, Simulation& simulation) {
   commands.add({"history", "history", "Show every call and every report of a press so far.",
                 with(simulation, showHistory)});
   commands.add({"repeat", "repeat N COMMAND", "Carry out a command N times, up to the first error.",
-                [&](WordReader& words) { return repeat(commands, simulation, words); }});
+                [&](WordReader& words) { return repeat(commands, words); }});
 }
 
 }  // namespace simulator

@@ -79,7 +79,7 @@ int run(const Options& options) {
   tellReady(simulation.journal, "robot", robot_side);
   tellReady(simulation.journal, "display", display_side);
 
-  simulator::Commands commands;
+  simulator::Commands commands(simulation.ending);
   addCommands(commands, simulation);
   if (script != nullptr) {
     carryOut(fileno(script.get()), simulation, commands);

@@ -98,6 +98,22 @@ TEST(CallbackServerInstance, IsShutDownFirstWhenAskedWithOne) {
                           info("releaseInstance", "Instance Released")));
 }
 
+// The server's thread would go on with an object that is gone.
+TEST(CallbackServerDeathTest, EndsTheProcessWhenTheServerIsDeletedWhileItServes) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  for (const int argument : {0, 2}) {
+    const auto release = [argument] {
+      const SimulatorProcess display;
+      FootTouch_Server::getInstance()->initialize(kAddress);
+      FootTouch_Server::_instance->run_server();
+      waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
+      FootTouch_Server::releaseInstance(argument);
+    };
+
+    EXPECT_EXIT(release(), ::testing::KilledBySignal(SIGABRT), "") << argument;
+  }
+}
+
 TEST(CallbackServerInstance, ResetsThePointerWhenConstructed) {
   FootTouch_Server* const former = FootTouch_Server::getInstance();
 

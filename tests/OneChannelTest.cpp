@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One channel a process, and gRPC held open for good. The program takes over the gRPC functions in
+// One channel to the robot side a process, and gRPC held open for good. The program takes over the gRPC functions in
 // question and counts the calls that come from the library. A program of its own, because only the
 // first callers of a process matter.
 #include <dlfcn.h>
@@ -15,6 +15,7 @@
 
 #include "FootTouchGrpcClient.h"
 #include "GestureRecognition.h"
+#include "murlink_robot.h"
 
 // Exported, but its own header would bring gRPC's, with symbols that this program only borrows.
 void initialize_grpc_client();
@@ -129,6 +130,17 @@ TEST(RobotChannel, KeepsGrpcOpenWhenEveryClientIsGone) {
 
   EXPECT_EQ(inits, 1);
   EXPECT_EQ(shutdowns, 0);
+}
+
+TEST(DisplayChannel, IsMadeAnewByEveryInitialize) {
+  initialize_grpc_client();
+  const int robot_channels = channels;
+
+  // Nobody plays the display here, and nothing of the first attempt is used again.
+  EXPECT_EQ(foot_touch_initialize(), FOOT_TOUCH_ERROR_NOT_INITIALIZED);
+  EXPECT_EQ(foot_touch_initialize(), FOOT_TOUCH_ERROR_NOT_INITIALIZED);
+
+  EXPECT_EQ(channels, robot_channels + 2);
 }
 
 }  // namespace
