@@ -12,7 +12,7 @@ void addPeerCommands(Commands& commands, Simulation& simulation);        // what
 void addRecogniserCommands(Commands& commands, Simulation& simulation);  // what feet do
 void addScriptCommands(Commands& commands, Simulation& simulation);      // time, and what happened
 void addExpectCommand(Commands& commands, Simulation& simulation);
-void addGeneralCommands(Commands& commands, Simulation& simulation);  // help and the end
+void addGeneralCommands(Commands& commands);  // help and the end
 
 // A command from a function that takes the simulation beside the words.
 inline Commands::Run with(Simulation& simulation, Message (*run)(Simulation&, WordReader&)) {

@@ -42,12 +42,16 @@ class Commands {
   // Carries out the command that the words name. Throws CommandError.
   Message run(WordReader& words) const;
 
+  // After this no command is to be read.
+  void close() { closed_ = true; }
+  bool closed() const { return closed_; }
   // True once a command was answered with an error.
   bool failed() const { return failed_; }
 
  private:
   Ending& ending_;
   std::vector<Entry> entries_;
+  bool closed_ = false;
   bool failed_ = false;
 };
 

@@ -23,19 +23,19 @@ Message help(const Commands& commands, WordReader& words) {
   return answer;
 }
 
-Message quit(Simulation& simulation, WordReader& words) {
+Message quit(Commands& commands, WordReader& words) {
   words.expectEnd();
-  simulation.ending.request();
+  commands.close();
   return ok();
 }
 
 }  // namespace
 
-void addGeneralCommands(Commands& commands, Simulation& simulation) {
+void addGeneralCommands(Commands& commands) {
   commands.add({"help", "help [COMMAND]", "Explain one command, or all.",
                 [&commands](WordReader& words) { return help(commands, words); }});
-  commands.add(
-      {"quit", "quit", "End the simulator, like the end of the input.", with(simulation, quit)});
+  commands.add({"quit", "quit", "End the simulator, like the end of the input.",
+                [&commands](WordReader& words) { return quit(commands, words); }});
 }
 
 }  // namespace simulator

@@ -94,7 +94,7 @@ grpc::Status handle(Simulation& simulation, const Call& call, const grpc::Server
   const int number = ++simulation.calls;
   const Treatment treatment = simulation.rules.take(call.rpc, call.feature);
   const Message arrival = called(number, call, context);
-  simulation.journal.write({arrival.sentence + call.drawing, arrival.record});
+  simulation.journal.tell({arrival.sentence + call.drawing, arrival.record});
 
   // A script that has waited for a call may count on what it did, unless it was told to take time.
   const bool at_once = !treatment.never && treatment.wait.count() == 0;
@@ -105,7 +105,7 @@ grpc::Status handle(Simulation& simulation, const Call& call, const grpc::Server
   if (at_once) {
     simulation.history.addCall(call.rpc, call.feature, arrival);
   }
-  simulation.journal.write(ended(number, call, reply.message));
+  simulation.journal.tell(ended(number, call, reply.message));
   return reply.status;
 }
 

@@ -3,7 +3,7 @@
 
 namespace simulator {
 
-void Journal::write(const Message& message) {
+void Journal::answer(const Message& message) {
   // Words that are no UTF-8 may come in with a command; they are shown, not refused.
   const std::string line =
       format_ == Format::Text
@@ -11,6 +11,12 @@ void Journal::write(const Message& message) {
           : message.record.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   const std::lock_guard<std::mutex> lock(mutex_);
   out_ << line << std::endl;
+}
+
+void Journal::tell(const Message& event) {
+  if (!quiet_) {
+    answer(event);
+  }
 }
 
 }  // namespace simulator

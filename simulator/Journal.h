@@ -20,15 +20,18 @@ class Journal {
  public:
   enum class Format { Text, Json };
 
-  Journal(std::ostream& out, Format format) : out_(out), format_(format) {}
+  Journal(std::ostream& out, Format format, bool quiet)
+      : out_(out), format_(format), quiet_(quiet) {}
 
-  // Writes one line and flushes it. Any thread.
-  void write(const Message& message);
+  // Both write one line and flush it; any thread. An event is not told of when quiet.
+  void answer(const Message& message);
+  void tell(const Message& event);
 
  private:
   std::mutex mutex_;
   std::ostream& out_;
   const Format format_;
+  const bool quiet_;
 };
 
 }  // namespace simulator

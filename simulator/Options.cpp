@@ -32,6 +32,8 @@ void defineOptions(CLI::App& app, Options& options) {
   app.add_option("--script", options.script, "file of commands to carry out before standard input")
       ->type_name("FILE");
   app.add_flag("--json", options.json, "print one JSON object a line, for machines");
+  app.add_flag("--quiet", options.quiet,
+               "print answers, not every call and press; \"history\" shows those");
   app.add_flag("--stay", options.stay, "go on after the end of standard input, until SIGTERM");
   app.footer(
       "Commands are read from standard input, one a line; \"help\" explains them.\n"

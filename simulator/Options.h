@@ -14,6 +14,7 @@ struct Options {
   std::string display = MURLINK_DISPLAY_ENDPOINT;
   std::string script;
   bool json = false;
+  bool quiet = false;
   bool stay = false;
 };
 

@@ -100,7 +100,7 @@ void Recogniser::tell(const Press& press) {
   record.update(message.record);
   record["ms"] = std::round(press.milliseconds * 100) / 100;
   message.record = record;
-  journal_.write(message);
+  journal_.tell(message);
   history_.addPress(message);
 }
 

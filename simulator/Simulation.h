@@ -16,7 +16,7 @@
 namespace simulator {
 
 struct Simulation {
-  Simulation(std::ostream& out, Journal::Format format) : journal(out, format) {}
+  Simulation(std::ostream& out, Journal::Format format, bool quiet) : journal(out, format, quiet) {}
 
   Journal journal;
   Ending ending;

@@ -26,9 +26,13 @@ constexpr int kCommandFailed = 3;
 
 void carryOut(int descriptor, simulator::Simulation& simulation, simulator::Commands& commands) {
   simulator::LineInput input(descriptor, simulation.ending);
-  while (const auto line = input.next()) {
+  while (!commands.closed()) {
+    const auto line = input.next();
+    if (!line) {
+      return;
+    }
     if (const auto answer = commands.execute(*line)) {
-      simulation.journal.write(*answer);
+      simulation.journal.answer(*answer);
     }
   }
 }
@@ -52,8 +56,8 @@ std::unique_ptr<simulator::PeerServer> listen(const std::string& address, grpc::
 void tellReady(simulator::Journal& journal, const char* side,
                const std::unique_ptr<simulator::PeerServer>& server) {
   if (server != nullptr) {
-    journal.write({std::string(side) + " side ready on " + server->address(),
-                   {{"event", "ready"}, {"side", side}, {"address", server->address()}}});
+    journal.answer({std::string(side) + " side ready on " + server->address(),
+                    {{"event", "ready"}, {"side", side}, {"address", server->address()}}});
   }
 }
 
@@ -62,15 +66,15 @@ void addCommands(simulator::Commands& commands, simulator::Simulation& simulatio
   simulator::addRecogniserCommands(commands, simulation);
   simulator::addScriptCommands(commands, simulation);
   simulator::addExpectCommand(commands, simulation);
-  simulator::addGeneralCommands(commands, simulation);
+  simulator::addGeneralCommands(commands);
 }
 
 // Returns the exit code.
 int run(const Options& options) {
   using simulator::Journal;
   const Script script = openScript(options.script);
-  simulator::Simulation simulation(std::cout,
-                                   options.json ? Journal::Format::Json : Journal::Format::Text);
+  simulator::Simulation simulation(
+      std::cout, options.json ? Journal::Format::Json : Journal::Format::Text, options.quiet);
   const simulator::SignalWatch watch(simulation.ending);
   simulator::RobotService robot(simulation);
   simulator::DisplayService display(simulation);
@@ -85,7 +89,7 @@ int run(const Options& options) {
     carryOut(fileno(script.get()), simulation, commands);
   }
   carryOut(STDIN_FILENO, simulation, commands);
-  if (options.stay) {
+  if (options.stay && !commands.closed()) {
     while (simulation.ending.sleep(std::chrono::hours(1))) {
     }
   }

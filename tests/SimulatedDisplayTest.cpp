@@ -84,7 +84,7 @@ TEST_F(SimulatedDisplay, TellsOfEveryCallAndItsReply) {
 
 TEST(DisplayText, ShowsTheLayout) {
   std::ostringstream out;
-  simulator::Simulation simulation(out, simulator::Journal::Format::Text);
+  simulator::Simulation simulation(out, simulator::Journal::Format::Text, false);
   simulator::DisplayService service(simulation);
   {
     const simulator::PeerServer server("127.0.0.2:0", service);

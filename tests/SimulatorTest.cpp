@@ -147,6 +147,15 @@ TEST(Text, OfHelpEndsWithItsAnswer) {
 
 // ---- Start and end
 
+TEST(Simulator, TellsAnswersOnlyWhenQuiet) {
+  SimulatorProcess robot({"--quiet"});
+
+  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NONE);
+
+  EXPECT_TRUE(robot.calls().empty());
+  EXPECT_EQ(robot.command("history").at("events").size(), 1U);
+}
+
 TEST(Simulator, EndsWithItsInput) {
   SimulatorProcess robot;
 
@@ -155,6 +164,13 @@ TEST(Simulator, EndsWithItsInput) {
 
 TEST(Simulator, EndsOnQuit) {
   SimulatorProcess robot;
+  robot.command("quit");
+
+  EXPECT_EQ(robot.waitForEnd(), 0);
+}
+
+TEST(Simulator, EndsOnQuitEvenIfItIsToStay) {
+  SimulatorProcess robot({"--stay"});
   robot.command("quit");
 
   EXPECT_EQ(robot.waitForEnd(), 0);

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: Apache-2.0
+// What this process holds at the moment, as the kernel counts it.
+#ifndef MURLINK_TESTS_RESOURCES_H
+#define MURLINK_TESTS_RESOURCES_H
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+inline long entriesOf(const char* folder) {
+  const std::filesystem::directory_iterator all(folder);
+  return static_cast<long>(std::distance(begin(all), end(all)));
+}
+
+inline long threads() {
+  return entriesOf("/proc/self/task");
+}
+
+inline long descriptors() {
+  return entriesOf("/proc/self/fd");
+}
+
+inline long residentKiB() {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    if (word == "VmRSS:") {
+      long kib = 0;
+      status >> kib;
+      return kib;
+    }
+  }
+  return 0;
+}
+
+// A sanitizer's own books grow with every thread and allocation.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool kMemoryIsOurs = false;
+#else
+constexpr bool kMemoryIsOurs = true;
+#endif
+
+#endif
