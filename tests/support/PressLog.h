@@ -3,7 +3,9 @@
 #define MURLINK_TESTS_PRESS_LOG_H
 
 #include <mutex>
+#include <ostream>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 struct Press {
@@ -15,6 +17,10 @@ inline bool operator==(const Press& a, const Press& b) {
   return std::tie(a.id, a.state) == std::tie(b.id, b.state);
 }
 
+inline std::ostream& operator<<(std::ostream& out, const Press& press) {
+  return out << (press.state == 1 ? "press " : "release ") << press.id;
+}
+
 // Keeps what the callback is told: foot_touch_set_button_cb(PressLog::note, &log).
 class PressLog {
  public:
@@ -23,6 +29,11 @@ class PressLog {
   std::vector<Press> presses() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return presses_;
+  }
+  // The presses since the last time.
+  std::vector<Press> take() {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return std::exchange(presses_, {});
   }
 
  private:

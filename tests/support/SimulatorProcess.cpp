@@ -70,14 +70,14 @@ std::string SimulatorProcess::refusal(const std::string& line) {
 SimulatorProcess::Json SimulatorProcess::answerTo(const std::string& line) {
   const std::lock_guard<std::mutex> turn(one_command_);
   std::unique_lock<std::mutex> lock(mutex_);
-  const std::size_t before = answers_.size();
+  answers_.clear();
   const std::string text = line + "\n";
   if (write(input_.writeEnd(), text.data(), text.size()) != static_cast<ssize_t>(text.size()) ||
-      !changed_.wait_for(lock, kAnswerLimit, [&] { return answers_.size() > before || ended_; }) ||
-      answers_.size() == before) {
+      !changed_.wait_for(lock, kAnswerLimit, [&] { return !answers_.empty() || ended_; }) ||
+      answers_.empty()) {
     throw std::runtime_error("the simulator did not answer: " + line);
   }
-  return answers_[before];
+  return answers_.front();
 }
 
 std::vector<SimulatorProcess::Json> SimulatorProcess::calls() {

@@ -1,0 +1,201 @@
+// SPDX-License-Identifier: Apache-2.0
+// A busy robot over a long time: four recognisers report 200 presses and releases a second, the
+// application sends five layouts a second, and peers are restarted again and again. The recognisers'
+// own histories are the ledger that the application's record is held against.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <atomic>
+#include <memory>
+
+#include "Endurance.h"
+#include "murlink_robot.h"
+#include "support/Listener.h"
+#include "support/PressLog.h"
+#include "support/RecogniserProcess.h"
+#include "support/Resources.h"
+#include "support/SimulatorProcess.h"
+#include "support/Within.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+
+constexpr std::size_t kRecognisers = 4;
+constexpr std::size_t kButtonsEach = 10;
+constexpr milliseconds kLayoutPeriod{200};
+
+// What the application was told, by recogniser: recogniser r has the buttons from 10 r to 10 r + 9.
+using Record = std::array<PressLog, kRecognisers>;
+
+void note(int id, int state, void* record) {
+  const std::size_t recogniser = static_cast<std::size_t>(id) / kButtonsEach;
+  PressLog::note(id, state, &static_cast<Record*>(record)->at(recogniser));
+}
+
+// One recogniser, on a thread of its own. Each round it reports 25 taps on one of its buttons, which
+// takes a second, and then holds what the application was told against its own history.
+class BusyRecogniser {
+ public:
+  BusyRecogniser(std::size_t number, PressLog& told)
+      : number_(number), told_(told), thread_([this] { run(); }) {}
+  ~BusyRecogniser() { end(); }
+  BusyRecogniser(const BusyRecogniser&) = delete;
+  BusyRecogniser& operator=(const BusyRecogniser&) = delete;
+
+  void restart() { restart_ = true; }
+  // Ends after the round that runs, and returns how much was reported.
+  long end() {
+    stop_ = true;
+    if (thread_.joinable()) {
+      thread_.join();
+    }
+    return reports_;
+  }
+
+ private:
+  const std::size_t number_;
+  PressLog& told_;
+  std::atomic<bool> stop_{false};
+  std::atomic<bool> restart_{false};
+  long reports_ = 0;  // for the thread alone while it runs
+  std::unique_ptr<RecogniserProcess> process_;
+  std::thread thread_;
+
+  void run() {
+    for (std::size_t round = 0; !stop_ && !::testing::Test::HasFailure(); ++round) {
+      if (process_ == nullptr || restart_.exchange(false)) {
+        process_ = nullptr;
+        process_ = std::make_unique<RecogniserProcess>(std::vector<std::string>{"--quiet"});
+      }
+      const std::size_t button = number_ * kButtonsEach + round % kButtonsEach;
+      process_->command("repeat 25 tap " + std::to_string(button) + " 40ms");
+      compare();
+      process_->reset();
+    }
+  }
+
+  // None lost, none twice, none out of order.
+  void compare() {
+    std::vector<Press> reported;
+    const auto history = process_->command("history");
+    for (const auto& event : history.at("events")) {
+      EXPECT_EQ(event.value("s", -1), 0) << event;
+      reported.push_back({event.at("id"), event.at("state")});
+    }
+    EXPECT_EQ(told_.take(), reported) << "recogniser " << number_;
+    reports_ += static_cast<long>(reported.size());
+  }
+};
+
+class Soak : public ::testing::Test {
+ protected:
+  Soak() {
+    EXPECT_EQ(foot_touch_initialize(), 0);
+    waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
+    foot_touch_set_button_cb(note, &record);
+    EXPECT_EQ(start_foot_touch(), 0);
+  }
+  ~Soak() override { EXPECT_EQ(foot_touch_finalize(), 0); }
+
+  // Goes on with recognisers, layouts, and a restart of a peer every `restart_period`: the robot
+  // side, the display side, a recogniser, and again.
+  void live(seconds duration, seconds restart_period) {
+    std::array<std::unique_ptr<BusyRecogniser>, kRecognisers> recognisers;
+    for (std::size_t i = 0; i < kRecognisers; ++i) {
+      recognisers.at(i) = std::make_unique<BusyRecogniser>(i, record.at(i));
+    }
+    const auto begin = steady_clock::now();
+    auto next_restart = begin + restart_period;
+    for (auto now = begin; now < begin + duration && !HasFailure(); now += kLayoutPeriod) {
+      std::this_thread::sleep_until(now);
+      EXPECT_TRUE(sendLayout());
+      if (now >= next_restart) {
+        restartOne(*recognisers.at(restarts % kRecognisers));
+        next_restart += restart_period;
+      }
+    }
+    for (auto& recogniser : recognisers) {
+      reports += recogniser->end();
+    }
+  }
+
+  Record record;
+  long layouts = 0;
+  long reports = 0;
+  std::size_t restarts = 0;
+
+ private:
+  std::unique_ptr<SimulatorProcess> robot_ = startRobot();
+  std::unique_ptr<SimulatorProcess> display_ = startDisplay();
+
+  static std::unique_ptr<SimulatorProcess> startRobot() {
+    return std::make_unique<SimulatorProcess>(
+        std::vector<std::string>{"--quiet", "--display", "off"});
+  }
+  static std::unique_ptr<SimulatorProcess> startDisplay() {
+    return std::make_unique<SimulatorProcess>(
+        std::vector<std::string>{"--quiet", "--robot", "off"});
+  }
+
+  void restartOne(BusyRecogniser& recogniser) {
+    switch (restarts++ % 3) {
+      case 0:
+        robot_ = nullptr;
+        robot_ = startRobot();
+        robot_->command("set foot-touch running");
+        EXPECT_TRUE(
+            within10s([] { return start_foot_touch() == FOOT_TOUCH_ERROR_ALREADY_RUNNING; }));
+        break;
+      case 1:
+        display_ = nullptr;
+        display_ = startDisplay();
+        EXPECT_TRUE(within10s([this] { return sendLayout(); }));
+        break;
+      default:
+        recogniser.restart();
+    }
+  }
+
+  // Never the same layout twice in a row.
+  bool sendLayout() {
+    const int id = static_cast<int>(layouts % 1000);
+    const button buttons[] = {{id, 0, 0.5F}, {id + 1, 0.5F, 1}};
+    if (foot_touch_set_buttons(buttons, 2) != 0) {
+      return false;
+    }
+    ++layouts;
+    display_->command("expect buttons " + std::to_string(id) + " " + std::to_string(id + 1));
+    return true;
+  }
+};
+
+TEST_F(Soak, LosesNoPressAndKeepsNothing) {
+  const seconds duration = lasting(seconds(60));
+  live(duration / 6, seconds(3));
+  const long threads_before = threads();
+  const long descriptors_before = descriptors();
+  const long memory_before = residentKiB();
+
+  live(duration * 5 / 6, duration > seconds(60) ? seconds(30) : seconds(12));
+
+  EXPECT_TRUE(within10s([&] { return threads() <= threads_before; }))
+      << threads_before << " threads became " << threads();
+  EXPECT_TRUE(within10s([&] { return descriptors() <= descriptors_before; }))
+      << descriptors_before << " descriptors became " << descriptors();
+  const long growth = residentKiB() - memory_before;
+  if (kMemoryIsOurs) {
+    EXPECT_LE(growth, 1024) << "KiB more";
+  }
+  figure("presses and releases of four recognisers in " + std::to_string(duration.count()) +
+             " s, " + std::to_string(layouts) + " layouts, " + std::to_string(restarts) +
+             " restarts of a peer",
+         reports,
+         "none lost, none twice, order kept; threads and descriptors as before; memory " +
+             std::to_string(growth) + " KiB up");
+}
+
+}  // namespace
