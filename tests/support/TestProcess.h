@@ -5,6 +5,8 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "OwnNetwork.h"
+
 // Call it first of all, in every test program.
 inline void prepareTestProcess() {
   // gRPC would send even calls on loopback to a proxy that the environment names.
@@ -13,6 +15,9 @@ inline void prepareTestProcess() {
   }
   // A peer that has ended is an error to report, not the end of the tests.
   std::signal(SIGPIPE, SIG_IGN);
+  if (MURLINK_TESTS_HAVE_OWN_NETWORKS) {
+    enterOwnNetwork();
+  }
 }
 
 #endif
