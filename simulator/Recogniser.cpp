@@ -47,6 +47,7 @@ Press Recogniser::report(const std::string& address, Edge edge, int id) {
 }
 
 void Recogniser::reset() {
+  library_.reset();  // and with it what the connection knows of a library that has gone
   touched_.clear();
   last_.reset();
 }

@@ -82,7 +82,7 @@ FootTouchGrpcClient::~FootTouchGrpcClient() {
 int FootTouchGrpcClient::serviceOn() {
   RobotCall call = prepare(kServiceOn);
   LOG_INFO("FootTouchGrpcClient::serviceOn begin");
-  const Reply reply = call.send(*stub);
+  const Reply reply = call.send(robotStub());
   // Asked only after the call: the peer must hear service_On even on a device without the lens.
   if (!is_kumbo_lens_supported()) {
     return FOOT_TOUCH_ERROR_NOT_SUPPORTED;
@@ -94,7 +94,7 @@ int FootTouchGrpcClient::programRun() {
   LOG_INFO("programRun BIEGIN");
   RobotCall call = prepare(kProgramRun);
   LOG_INFO("stub ->program_run() begin");
-  const Reply reply = call.send(*stub);
+  const Reply reply = call.send(robotStub());
   LOG_INFO("stub ->program_run() done");
   return conclude(kProgramRun, reply, HERE);
 }
@@ -103,13 +103,13 @@ int FootTouchGrpcClient::programStop() {
   LOG_INFO("programStop BEGIN");
   RobotCall call = prepare(kProgramStop);
   LOG_INFO("stub ->program_stop() begin");
-  const Reply reply = call.send(*stub);
+  const Reply reply = call.send(robotStub());
   LOG_INFO("stub ->program_stop() done");
   return conclude(kProgramStop, reply, HERE);
 }
 
 int FootTouchGrpcClient::serviceOff() {
-  return conclude(kServiceOff, prepare(kServiceOff).send(*stub), HERE);
+  return conclude(kServiceOff, prepare(kServiceOff).send(robotStub()), HERE);
 }
 
 bool is_kumbo_lens_supported() {

@@ -6,7 +6,7 @@
 #include "GrpcServer.h"
 #include "Log.h"
 
-const std::string address = MURLINK_CALLBACK_ENDPOINT;
+const std::string& address = *new std::string(MURLINK_CALLBACK_ENDPOINT);
 
 FootTouchServerManager* FootTouchServerManager::_instance = nullptr;
 

@@ -11,8 +11,9 @@
 
 class FootTouch_Server;
 
-// Where the callback server listens, as host:port.
-extern const std::string address;
+// Where the callback server listens, as host:port. Never destroyed: another thread may initialise
+// foot touch while the process ends.
+extern const std::string& address;
 
 // The operations are for one thread at a time.
 class IFootTouchServerManager {

@@ -94,23 +94,23 @@ int GestureRecognition::InitGrpcClient() {
 int GestureRecognition::Initialize() {
   InitGrpcClient();
   LOG_INFO("%d,%d----", kSelectGestureRecognition, kSelectFootTouch);
-  return conclude(kInitialize, prepare(kInitialize).send(*stub), HERE);
+  return conclude(kInitialize, prepare(kInitialize).send(robotStub()), HERE);
 }
 
 int GestureRecognition::StartRecognition() {
   InitGrpcClient();
-  return conclude(kStartRecognition, prepare(kStartRecognition).send(*stub), HERE);
+  return conclude(kStartRecognition, prepare(kStartRecognition).send(robotStub()), HERE);
 }
 
 int GestureRecognition::StopRecognition() {
   InitGrpcClient();
-  return conclude(kStopRecognition, prepare(kStopRecognition).send(*stub), HERE);
+  return conclude(kStopRecognition, prepare(kStopRecognition).send(robotStub()), HERE);
 }
 
 int GestureRecognition::Finalize() {
   // Not through the virtual operation: a subclass that replaces InitGrpcClient is not asked here.
   initialize_grpc_client();
-  return conclude(kFinalize, prepare(kFinalize).send(*stub), HERE);
+  return conclude(kFinalize, prepare(kFinalize).send(robotStub()), HERE);
 }
 
 int gesture_recognition_initialize() {

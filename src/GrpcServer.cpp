@@ -12,7 +12,7 @@
 using zet::protobuf::app::Buttons;
 using zet::protobuf::app::Quarlo_TV_GRPC;
 
-const std::string tv_server_address = MURLINK_DISPLAY_ENDPOINT;
+const std::string& tv_server_address = *new std::string(MURLINK_DISPLAY_ENDPOINT);
 
 namespace {
 

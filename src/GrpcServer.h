@@ -20,8 +20,9 @@
 #include "Quarlo_TV_Server.grpc.pb.h"
 #include "murlink_robot.h"
 
-// The display side, as host:port.
-extern const std::string tv_server_address;
+// The display side, as host:port. Never destroyed: another thread may initialise foot touch while
+// the process ends.
+extern const std::string& tv_server_address;
 
 // service_On and service_Off run on gRPC's threads, several at once; everything else is for one
 // thread at a time.

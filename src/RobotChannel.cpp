@@ -11,6 +11,18 @@ std::string robot_server_address;
 std::shared_ptr<grpc::Channel> channel;
 std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub> stub;
 
+namespace {
+
+zet::protobuf::app::Quarlo_RB_GRPC::Stub* lasting_stub = nullptr;
+
+// Destroyed before `stub`, since it is defined after it: leaves it nothing to delete. The stub has a
+// share of the channel, so that lasts as well.
+struct StubKeeper {
+  ~StubKeeper() { static_cast<void>(stub.release()); }
+} keeper;
+
+}  // namespace
+
 void initialize_grpc_client() {
   static std::once_flag init_flag;
   std::call_once(init_flag, [] {
@@ -19,5 +31,10 @@ void initialize_grpc_client() {
     robot_server_address = MURLINK_ROBOT_ENDPOINT;
     channel = grpc::CreateChannel(robot_server_address, grpc::InsecureChannelCredentials());
     stub = zet::protobuf::app::Quarlo_RB_GRPC::NewStub(channel);
+    lasting_stub = stub.get();
   });
+}
+
+zet::protobuf::app::Quarlo_RB_GRPC::Stub& robotStub() {
+  return *lasting_stub;
 }

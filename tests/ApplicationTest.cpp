@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <future>
-
 #include "support/ChildProcess.h"
 #include "support/Conversation.h"
 #include "support/Listener.h"
@@ -108,23 +106,6 @@ TEST(FootTouchExample, FailsWhenNobodyListens) {
 
   EXPECT_EQ(finished.exit_code, 1);
   EXPECT_THAT(finished.err, HasSubstr("foot touch is not to be had: 4"));
-}
-
-TEST(UntidyApplication, LeavesWithoutFinalisingWhilePressesArriveFiftyTimes) {
-  SimulatorProcess peers;
-  for (int i = 0; i < 50; ++i) {
-    peers.command("reset");
-    SimulatorProcess recogniser({"--robot", "off", "--display", "off"});
-    recogniser.command("callback " MURLINK_DISPLAY_HOST ":26711");
-    Conversation application({EXIT_PROBE});
-    peers.command("wait program_run foot-touch");
-    waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
-    auto presses =
-        std::async(std::launch::async, [&] { recogniser.command("repeat 500 tap 1 --force"); });
-
-    EXPECT_EQ(application.end(), 0) << "run " << i;
-    presses.get();
-  }
 }
 
 TEST(ManualExample, GoesThroughAWholeLife) {
