@@ -4,12 +4,12 @@
    exit_probe WHERE HOW [BUSY]
    WHERE  main, thread or callback: where it leaves
    HOW    return (from main only), exit, quick_exit, _exit, abort or kill; or child, which leaves
-          another program running that prints how many descriptors it has got, beside the standard
-          ones, and goes on until the end of its input
+          another program running that prints how many descriptors it has got beyond those that the
+          application was started with, and goes on until the end of its input
    BUSY   gesture, foot_touch or cycles: what another thread goes on calling meanwhile
 
-   Prints "leaving" after 10 presses (or cycles) and leaves with 7; with 1 when foot touch cannot be had, with 2
-   when no presses arrive, with 3 for words that it does not know. */
+   Prints "leaving" after 10 presses (or cycles) and leaves with 7; with 1 when foot touch cannot be
+   had, with 2 when no presses arrive, with 3 for words that it does not know. */
 #define _DEFAULT_SOURCE
 
 #include <fcntl.h>
@@ -49,26 +49,28 @@ static void leave_by_kill(void) {
 
 static void leave_by_return(void) {}
 
-static void leave_a_child(void) {
-  if (fork() == 0) {
-    execl("/proc/self/exe", "exit_probe", "child", NULL);
-    _exit(WRONG_WORDS);
-  }
-  exit(LEFT);
-}
-
-static int inherited_descriptors(void) {
+static int descriptors(void) {
   int count = 0;
   int descriptor = 0;
-  for (descriptor = STDERR_FILENO + 1; descriptor < 1024; ++descriptor) {
+  for (descriptor = 0; descriptor < 1024; ++descriptor) {
     count += fcntl(descriptor, F_GETFD) >= 0;
   }
   return count;
 }
 
-static int be_the_child(void) {
+static char descriptors_at_start[16];
+
+static void leave_a_child(void) {
+  if (fork() == 0) {
+    execl("/proc/self/exe", "exit_probe", "child", descriptors_at_start, NULL);
+    _exit(WRONG_WORDS);
+  }
+  exit(LEFT);
+}
+
+static int be_the_child(const char* descriptors_of_parent) {
   char ignored = 0;
-  printf("child has %d more\n", inherited_descriptors());
+  printf("child has %d more\n", descriptors() - atoi(descriptors_of_parent));
   fflush(stdout);
   while (read(STDIN_FILENO, &ignored, 1) > 0) {
   }
@@ -200,9 +202,10 @@ int main(int argc, char** argv) {
   const struct rlimit no_core = {0, 0};
   void* (*work)(void*) = NULL;
   pthread_t thread;
-  if (argc == 2 && strcmp(argv[1], "child") == 0) {
-    return be_the_child();
+  if (argc == 3 && strcmp(argv[1], "child") == 0) {
+    return be_the_child(argv[2]);
   }
+  sprintf(descriptors_at_start, "%d", descriptors());
   if (argc < 3 || !understand_way(argv[2]) || (argc > 3 && !understand(argv[3], &work))) {
     return WRONG_WORDS;
   }
