@@ -78,8 +78,17 @@
  * The functions of one feature must be called from one thread at a time. The two features are
  * independent of each other and may be used from two threads at once.
  *
- * No function may be called, or still run, once main() has returned or exit() has been called: the
- * connections go with the process.
+ *
+ * The end of the process
+ *
+ * The process may end at any time and in any way, without finalising, on any thread and from inside
+ * the callback. Calls that run on other threads end with it, without an answer. The callback may
+ * still be called while exit() destroys the application's static objects: when it uses one, call
+ * foot_touch_finalize() before. The robot's service stays on, see foot_touch_initialize().
+ *
+ * A program that is started by fork() and exec gets none of the library's connections. A child that
+ * does not exec must not call the library, whose functions may never return in it; as long as it
+ * lives, no other process can listen for presses.
  */
 #ifndef MURLINK_ROBOT_H
 #define MURLINK_ROBOT_H
@@ -225,12 +234,17 @@ typedef struct button {
  * @param state      1 when a foot touches the button, 0 when it leaves it.
  * @param user_data  the pointer given to foot_touch_set_button_cb().
  * The recogniser waits until it returns, and so does foot_touch_finalize(): a callback that never
- * returns keeps both waiting for ever. An exception that leaves it does not reach the application;
- * the recogniser is answered with gRPC's status UNKNOWN, and the next press comes as usual.
+ * returns keeps both waiting for ever. Other presses are delivered meanwhile, on other threads. An
+ * exception that leaves it, of whatever type, does not reach the application; the recogniser is
+ * answered with gRPC's status UNKNOWN, and the next press comes as usual.
+ *
+ * It may set another callback or clear it at any time, and end the process. It may call the other
+ * functions, with the same results as elsewhere, while no other thread calls one of the same
+ * feature; a thread in foot_touch_finalize(), which waits for the callback, is one that does. It
+ * must not call foot_touch_finalize() itself, which would wait for itself for ever.
  *
  * @threads runs on gRPC's threads, never on the application's; two calls may run at once, even for
- *          the same button. It may set another callback or clear it. It must not call
- *          foot_touch_finalize(), which would wait for itself for ever.
+ *          the same button.
  */
 typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
 
@@ -262,7 +276,7 @@ typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE        this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED    no connection to the robot; call again after a
  *                                                pause
- * @threads one foot-touch function at a time; not from inside the callback.
+ * @threads one foot-touch function at a time, those that the callback calls included.
  */
 int foot_touch_initialize(void);
 
@@ -308,7 +322,7 @@ int foot_touch_finalize(void);
  *                                              after a callback that was set too early
  *         #FOOT_TOUCH_ERROR_TIMED_OUT          reserved: a missing answer is a failed connection
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the display answered with a failure
- * @threads one foot-touch function at a time; not from inside the callback.
+ * @threads one foot-touch function at a time, those that the callback calls included.
  */
 int foot_touch_set_buttons(const button* buttons, int count);
 
@@ -339,7 +353,7 @@ void foot_touch_set_button_cb(foot_touch_button_cb cb, void* user_data);
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection; call again after a pause
- * @threads one foot-touch function at a time; not from inside the callback.
+ * @threads one foot-touch function at a time, those that the callback calls included.
  */
 int start_foot_touch(void);
 
@@ -355,7 +369,7 @@ int start_foot_touch(void);
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection; call again after a pause
- * @threads one foot-touch function at a time; not from inside the callback.
+ * @threads one foot-touch function at a time, those that the callback calls included.
  */
 int stop_foot_touch(void);
 

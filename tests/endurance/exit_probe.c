@@ -3,9 +3,11 @@
 
    exit_probe WHERE HOW [BUSY]
    WHERE  main, thread or callback: where it leaves
-   HOW    return (from main only), exit, quick_exit, _exit, abort or kill; or child, which leaves
-          another program running that prints how many descriptors it has got beyond those that the
-          application was started with, and goes on until the end of its input
+   HOW    return (from main only), exit, quick_exit, _exit, abort or kill
+          child     exit, and leave another program running, which prints how many descriptors it has
+                    got beyond those that the application was started with, and goes on until the
+                    end of its input
+          finalize  finalise, and exit once that has returned
    BUSY   gesture, foot_touch or cycles: what another thread goes on calling meanwhile
 
    Prints "leaving" after 10 presses (or cycles) and leaves with 7; with 1 when foot touch cannot be
@@ -48,6 +50,11 @@ static void leave_by_kill(void) {
 }
 
 static void leave_by_return(void) {}
+
+static void finalize_and_exit(void) {
+  foot_touch_finalize();
+  exit(LEFT);
+}
 
 static int descriptors(void) {
   int count = 0;
@@ -120,7 +127,8 @@ static const struct {
             {"_exit", leave_by_underscore_exit},
             {"abort", abort},
             {"kill", leave_by_kill},
-            {"child", leave_a_child}};
+            {"child", leave_a_child},
+            {"finalize", finalize_and_exit}};
 
 static const struct {
   const char* word;
