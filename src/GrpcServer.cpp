@@ -18,6 +18,7 @@ namespace {
 
 constexpr std::chrono::seconds kAddressDeadline{1};
 constexpr std::chrono::seconds kLayoutDeadline{2};
+constexpr int kSilenceLimitMs = 5000;
 
 constexpr int kCallbackNotSet = 4;
 
@@ -121,6 +122,10 @@ void FootTouch_Server::serve(std::promise<void> settled, std::promise<void> left
   LOG_INFO("Builder decleared");
   // Without this a second process could listen on the same port and would get half of the presses.
   builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
+  // A connection on which gRPC has not spoken would hold up the end for as long as 20 s, and keep its
+  // descriptor for 120 s. Idle recognisers, which have spoken, are left alone: closing their
+  // connections, or asking for signs of life, loses presses now and then.
+  builder.AddChannelArgument(GRPC_ARG_SERVER_HANDSHAKE_TIMEOUT_MS, kSilenceLimitMs);
   builder.AddListeningPort(server_address, grpc::InsecureServerCredentials());
   LOG_INFO("Builder listening port created");
   builder.RegisterService(_instance);

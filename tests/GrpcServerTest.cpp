@@ -295,6 +295,17 @@ TEST_F(CallbackServer, WaitsAtItsEndForTheCallbackThatRuns) {
   EXPECT_EQ(pressing.get(), 0);
 }
 
+// gRPC would give such a connection 20 s.
+TEST_F(CallbackServer, EndsSoonAlthoughAConnectionStaysSilent) {
+  run();
+  const SilentConnection stranger(MURLINK_DISPLAY_HOST, 26711);
+  const auto start = std::chrono::steady_clock::now();
+
+  server->terminate_server();
+
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(15));
+}
+
 // ---- A port that cannot be had
 
 void expectNoServer(FootTouch_Server& server, const std::string& address) {

@@ -53,6 +53,20 @@ Listener::~Listener() {
   close(socket_);
 }
 
+SilentConnection::SilentConnection(const char* host, std::uint16_t port)
+    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+  const sockaddr_in address = socketAddress(host, port);
+  if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+    const int error = errno;
+    close(socket_);
+    throw std::system_error(error, std::generic_category(), "cannot connect");
+  }
+}
+
+SilentConnection::~SilentConnection() {
+  close(socket_);
+}
+
 void waitUntilListening(const char* host, std::uint16_t port) {
   const sockaddr_in address = socketAddress(host, port);
   if (!within10s([&address] { return accepts(address); })) {

@@ -18,6 +18,19 @@ class Listener {
   int socket_;
 };
 
+// Connects to a TCP port as a stranger would, and never speaks.
+class SilentConnection {
+ public:
+  // Throws std::system_error when nobody listens there.
+  SilentConnection(const char* host, std::uint16_t port);
+  ~SilentConnection();
+  SilentConnection(const SilentConnection&) = delete;
+  SilentConnection& operator=(const SilentConnection&) = delete;
+
+ private:
+  int socket_;
+};
+
 // Waits until something accepts connections there, for 10 s at most: the library's server starts on a
 // thread of its own, after the call that starts it has returned. Throws std::runtime_error.
 void waitUntilListening(const char* host, std::uint16_t port);
