@@ -298,7 +298,9 @@ TEST_F(CallbackServer, WaitsAtItsEndForTheCallbackThatRuns) {
 // gRPC would give such a connection 20 s.
 TEST_F(CallbackServer, EndsSoonAlthoughAConnectionStaysSilent) {
   run();
-  const SilentConnection stranger(MURLINK_DISPLAY_HOST, 26711);
+  SilentConnection stranger;
+  stranger.connectTo(MURLINK_DISPLAY_HOST, 26711);
+  ASSERT_TRUE(stranger.isGreeted(std::chrono::seconds(10)));
   const auto start = std::chrono::steady_clock::now();
 
   server->terminate_server();

@@ -3,6 +3,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -53,14 +54,20 @@ Listener::~Listener() {
   close(socket_);
 }
 
-SilentConnection::SilentConnection(const char* host, std::uint16_t port)
-    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+SilentConnection::SilentConnection() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
+
+void SilentConnection::connectTo(const char* host, std::uint16_t port) {
   const sockaddr_in address = socketAddress(host, port);
   if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    const int error = errno;
-    close(socket_);
-    throw std::system_error(error, std::generic_category(), "cannot connect");
+    throw std::system_error(errno, std::generic_category(), "cannot connect");
   }
+}
+
+bool SilentConnection::isGreeted(std::chrono::milliseconds limit) const {
+  pollfd source{socket_, POLLIN, 0};
+  char first = 0;
+  return poll(&source, 1, static_cast<int>(limit.count())) == 1 &&
+         recv(socket_, &first, 1, MSG_PEEK) == 1;
 }
 
 SilentConnection::~SilentConnection() {

@@ -2,6 +2,7 @@
 #ifndef MURLINK_TESTS_LISTENER_H
 #define MURLINK_TESTS_LISTENER_H
 
+#include <chrono>
 #include <cstdint>
 
 // Takes a TCP port as a stranger's program would: listens, and never speaks.
@@ -21,8 +22,12 @@ class Listener {
 // Connects to a TCP port as a stranger would, and never speaks.
 class SilentConnection {
  public:
-  // Throws std::system_error when nobody listens there.
-  SilentConnection(const char* host, std::uint16_t port);
+  SilentConnection();
+  // Throws std::system_error when nobody listens there. Needs no further descriptor.
+  void connectTo(const char* host, std::uint16_t port);
+  // Whether the other end, a server of gRPC, has greeted, now or within `limit`: it does so at once
+  // when it takes a connection.
+  bool isGreeted(std::chrono::milliseconds limit) const;
   ~SilentConnection();
   SilentConnection(const SilentConnection&) = delete;
   SilentConnection& operator=(const SilentConnection&) = delete;
