@@ -73,6 +73,16 @@
  * on the robot: unset them, or name the addresses in no_proxy.
  *
  *
+ * File descriptors
+ *
+ * A process that has used up its file descriptors (RLIMIT_NOFILE) gets connection failures until
+ * some are free again, and foot_touch_initialize() may succeed without listening, as when its port
+ * is taken. Presses need more: a recogniser that tries to connect meanwhile can leave the library
+ * deaf, even once there are free descriptors, to all but those who were connected before. Finalise
+ * and initialise again; then all are heard. The first function that is called in a process needs
+ * free descriptors: gRPC ends a process in which it cannot begin.
+ *
+ *
  * Threads
  *
  * The functions of one feature must be called from one thread at a time. The two features are

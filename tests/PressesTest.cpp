@@ -211,18 +211,6 @@ TEST_F(Presses, NeverEndInAnEmptyCallWhileTheCallbackIsCleared) {
   EXPECT_THAT(answers, ElementsAre(0, 4));
 }
 
-// ---- Peers that come and go
-
-TEST_F(Presses, FlowAgainFromARecogniserThatWasKilled) {
-  auto first = recogniser();
-  first->command("press 1 --force");
-  first->signal(SIGKILL);
-  first->waitForEnd();
-
-  EXPECT_EQ(recogniser()->command("press 2 --force").at("s"), 0);
-  EXPECT_THAT(log.presses(), ElementsAre(Press{1, 1}, Press{2, 1}));
-}
-
 TEST_F(Presses, AreWaitedForAtTheEndEvenWhenTheirRecogniserIsDead) {
   struct Gate {
     std::promise<void> entered;

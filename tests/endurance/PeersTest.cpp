@@ -7,6 +7,7 @@
 #include <csignal>
 #include <future>
 #include <memory>
+#include <ostream>
 #include <random>
 
 #include "Endurance.h"
@@ -50,6 +51,10 @@ struct Side {
   int lost;
   int late;
 };
+
+std::ostream& operator<<(std::ostream& out, const Side& side) {
+  return out << side.name;
+}
 
 int sendLayout() {
   const button whole{1, 0, 1};
