@@ -293,12 +293,11 @@ int foot_touch_initialize(void);
 /**
  * Switches foot touch off: stops to listen for presses, then switches the robot's service off.
  *
- * Blocks until every callback that runs has returned, without limit, then until gRPC has taken
- * leave of the recogniser, and then until the robot answers, 2 s at most. Taking leave needs an
- * answer from the recogniser's gRPC. That comes at once or, from a process that uses gRPC for
- * nothing but presses and reports none at the time, after up to 5 s; a recogniser that is connected
- * but no longer responds, because it hangs or its host is gone, is given up after 20 s. No callback
- * runs after it has returned, unless it returned because foot touch was not initialised.
+ * Blocks until every callback that runs has returned, without limit, and then until the robot
+ * answers, 2 s at most. A client that does not take leave is cut off, which makes it 1 to 2 s more:
+ * a recogniser that hangs or whose host is gone, one that uses gRPC for nothing but presses and
+ * reports none at the time, a stranger that says nothing. No callback runs after it has returned,
+ * unless it returned because foot touch was not initialised.
  *
  * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
  * foot_touch_initialize() would do nothing: call this function again after a pause.

@@ -7,6 +7,7 @@
 #include <grpcpp/channel.h>
 #include <grpcpp/server.h>
 
+#include <atomic>
 #include <functional>
 #include <future>
 #include <memory>
@@ -66,6 +67,7 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   struct Event;
+  class [[gnu::visibility("hidden")]] Running;
 
   std::string server_address;
   std::unique_ptr<std::thread> server_thread;
@@ -82,6 +84,11 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
   std::future<void> server_settled;
   std::future<void> server_left;
 
+  std::atomic<int> reports_running{0};
+  std::atomic<unsigned> reports_ended{0};
+
+  [[gnu::visibility("hidden")]] void shut_down();
+  [[gnu::visibility("hidden")]] void cut_off_the_silent(const std::future<void>& done);
   [[gnu::visibility("hidden")]] void serve(std::promise<void> settled, std::promise<void> left);
   [[gnu::visibility("hidden")]] std::pair<ButtonCallback, void*> callback();
   [[gnu::visibility("hidden")]] grpc::Status report(const Event& event, const IntMessage& request,

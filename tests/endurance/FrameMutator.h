@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef MURLINK_TESTS_FRAME_MUTATOR_H
+#define MURLINK_TESTS_FRAME_MUTATOR_H
+
+#include <random>
+#include <string>
+#include <vector>
+
+#include "support/Http2Frames.h"
+
+// Makes HTTP/2 conversations that are nearly right: valid frames, of which some are changed. The same
+// seed gives the same ones.
+class FrameMutator {
+ public:
+  explicit FrameMutator(unsigned seed) : random_(seed) {}
+
+  // A client's side of a connection, `frames` long, as it goes over the wire.
+  std::string conversation(int frames);
+
+ private:
+  std::minstd_rand random_;
+
+  unsigned below(std::size_t limit);
+  http2::Frame someFrame();
+  void mutate(http2::Frame& frame);
+  void mutate(std::string& text);
+};
+
+#endif
