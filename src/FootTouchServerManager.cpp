@@ -41,13 +41,20 @@ int FootTouchServerManager::ServerRun() {
     return 0;
   }
   foot_touch_server = get_server_instance();
-  if (foot_touch_server->initialize(address) != 0) {
-    LOG_INFO("foot_touch_server initialize failed");
+  try {
+    if (foot_touch_server->initialize(address) != 0) {
+      LOG_INFO("foot_touch_server initialize failed");
+      FootTouch_Server::releaseInstance(0);
+      foot_touch_server = nullptr;
+      return 1;
+    }
+    foot_touch_server->run_server();
+  } catch (...) {
+    // What is held counts as running, so that nobody would ever start it.
     FootTouch_Server::releaseInstance(0);
     foot_touch_server = nullptr;
-    return 1;
+    throw;
   }
-  foot_touch_server->run_server();
   return 0;
 }
 

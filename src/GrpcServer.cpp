@@ -7,6 +7,8 @@
 #include <grpcpp/security/server_credentials.h>
 #include <grpcpp/server_builder.h>
 
+#include <exception>
+
 #include "Log.h"
 #include "UnaryCall.h"
 
@@ -140,16 +142,24 @@ void FootTouch_Server::run_server() {
 // The server thread. `server` is its own until it has said that it is settled.
 void FootTouch_Server::serve(std::promise<void> settled, std::promise<void> left) {
   LOG_INFO("server_thread create start");
-  grpc::ServerBuilder builder;
-  LOG_INFO("Builder decleared");
-  // Without this a second process could listen on the same port and would get half of the presses.
-  builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
-  limitClients(builder);
-  builder.AddListeningPort(server_address, grpc::InsecureServerCredentials());
-  LOG_INFO("Builder listening port created");
-  builder.RegisterService(_instance);
-  LOG_INFO("Builder construction complete");
-  server = builder.BuildAndStart();
+  try {
+    grpc::ServerBuilder builder;
+    LOG_INFO("Builder decleared");
+    // Without this a second process could listen on the same port and would get half of the
+    // presses.
+    builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
+    limitClients(builder);
+    builder.AddListeningPort(server_address, grpc::InsecureServerCredentials());
+    LOG_INFO("Builder listening port created");
+    builder.RegisterService(_instance);
+    LOG_INFO("Builder construction complete");
+    server = builder.BuildAndStart();
+  } catch (const std::exception& failure) {
+    // Nobody above could catch it: it would end the process.
+    LOG_ERROR("cannot listen on %s: %s", server_address.c_str(), failure.what());
+    settled.set_value();
+    return;
+  }
   if (server == nullptr) {
     LOG_ERROR("cannot listen on %s: the port is taken, or the address is not on this machine",
               server_address.c_str());
