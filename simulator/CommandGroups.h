@@ -10,6 +10,7 @@ namespace simulator {
 
 void addPeerCommands(Commands& commands, Simulation& simulation);        // what the peers do
 void addRecogniserCommands(Commands& commands, Simulation& simulation);  // what feet do
+void addProxyCommands(Commands& commands, Simulation& simulation);       // what lines do
 void addScriptCommands(Commands& commands, Simulation& simulation);      // time, and what happened
 void addExpectCommand(Commands& commands, Simulation& simulation);
 void addGeneralCommands(Commands& commands);  // help and the end

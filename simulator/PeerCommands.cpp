@@ -89,6 +89,7 @@ Message reset(Simulation& simulation, WordReader& words) {
   simulation.robot.reset();
   simulation.display.reset();
   simulation.recogniser.reset();
+  simulation.proxies.set({});
   simulation.history.clear();
   return ok();
 }
@@ -111,7 +112,7 @@ void addPeerCommands(Commands& commands, Simulation& simulation) {
       {"layout", "layout", "Show the buttons that the display has.", with(simulation, showLayout)});
   commands.add({"reset", "reset",
                 "Forget every \"when\", the layout, the address for presses and the history, lift "
-                "the foot without a word, and switch every feature off.",
+                "the foot without a word, switch every feature off, and end the \"fault\".",
                 with(simulation, reset)});
 }
 

@@ -9,6 +9,7 @@
 #include "Ending.h"
 #include "History.h"
 #include "Journal.h"
+#include "Proxies.h"
 #include "Recogniser.h"
 #include "Robot.h"
 #include "Rules.h"
@@ -25,6 +26,7 @@ struct Simulation {
   Display display;
   History history;
   Recogniser recogniser{journal, history, ending};
+  Proxies proxies;
   std::atomic<int> calls{0};  // to both sides
 };
 

@@ -64,6 +64,7 @@ void tellReady(simulator::Journal& journal, const char* side,
 void addCommands(simulator::Commands& commands, simulator::Simulation& simulation) {
   simulator::addPeerCommands(commands, simulation);
   simulator::addRecogniserCommands(commands, simulation);
+  simulator::addProxyCommands(commands, simulation);
   simulator::addScriptCommands(commands, simulation);
   simulator::addExpectCommand(commands, simulation);
   simulator::addGeneralCommands(commands);

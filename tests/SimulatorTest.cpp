@@ -103,7 +103,7 @@ TEST(Help, ExplainsEveryCommand) {
 
   const Json commands = robot.command("help").at("commands");
 
-  EXPECT_EQ(commands.size(), 20U);
+  EXPECT_EQ(commands.size(), 22U);
   for (const Json& command : commands) {
     EXPECT_FALSE(command.at("usage").get<std::string>().empty());
     EXPECT_THAT(command.at("help"), EndsWith("."));
