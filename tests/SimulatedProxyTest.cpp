@@ -124,13 +124,14 @@ TEST_F(SimulatedProxy, PassesOnWhatWaitedWhenSilenceEnds) {
 }
 
 TEST_F(SimulatedProxy, ListensOnTheSameAddressAfterRefusing) {
+  const auto port = static_cast<std::uint16_t>(std::stoi(proxy.substr(proxy.rfind(':') + 1)));
   simulator.command("fault refuse");
   EXPECT_EQ(call(), kUnavailable);
 
   simulator.command("fault none");
 
-  // gRPC lets a second go by before it tries again.
-  EXPECT_TRUE(within10s([this] { return call() == kDone; }));
+  waitUntilListening("127.0.0.2", port);
+  EXPECT_TRUE(within10s([this] { return accepted() == 1; }));
 }
 
 TEST_F(SimulatedProxy, BehavesAgainAfterReset) {
