@@ -8,61 +8,62 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
+#include "ChildProcess.h"
+
 namespace {
 
-constexpr char kMark[] = "MURLINK_TESTS_OWN_NETWORK";
+// Without a mapping, children would lose the right to change the network when they are started.
+void becomeRootOfOwnUsers(uid_t user, gid_t group) {
+  std::ofstream("/proc/self/setgroups") << "deny";
+  std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+  std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
+}
 
-void require(bool success, const char* what) {
-  if (!success) {
-    throw std::system_error(errno, std::generic_category(), what);
+void setLoopback(bool up) {
+  const int any = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  ifreq request{};
+  std::strcpy(request.ifr_name, "lo");
+  request.ifr_flags = up ? IFF_UP : 0;
+  const bool done = ioctl(any, SIOCSIFFLAGS, &request) == 0;
+  const int error = errno;
+  close(any);
+  if (!done) {
+    throw std::system_error(error, std::generic_category(), "loopback");
   }
-}
-
-void write(const char* path, const std::string& text) {
-  std::ofstream file(path);
-  require(static_cast<bool>(file << text << std::flush), path);
-}
-
-// Whoever is not root may have a network only as the root of a user namespace.
-void becomeRoot() {
-  const std::string user = std::to_string(getuid());
-  const std::string group = std::to_string(getgid());
-  require(unshare(CLONE_NEWUSER) == 0, "cannot enter a user namespace");
-  write("/proc/self/setgroups", "deny");
-  write("/proc/self/uid_map", "0 " + user + " 1");
-  write("/proc/self/gid_map", "0 " + group + " 1");
 }
 
 }  // namespace
 
-void enterOwnNetwork() {
-  if (std::getenv(kMark) != nullptr) {
-    return;
+bool enterOwnNetwork() {
+  const uid_t user = geteuid();
+  const gid_t group = getegid();
+  if (unshare(user == 0 ? CLONE_NEWNET : CLONE_NEWNET | CLONE_NEWUSER) != 0) {
+    return false;
   }
-  if (unshare(CLONE_NEWNET) != 0) {
-    becomeRoot();
-    require(unshare(CLONE_NEWNET) == 0, "cannot enter a network namespace");
+  if (user != 0) {
+    becomeRootOfOwnUsers(user, group);
   }
   setLoopback(true);
-  setenv(kMark, "1", 1);
+  return true;
 }
 
-void setLoopback(bool up) {
-  const int any_socket = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  ifreq request{};
-  std::strcpy(request.ifr_name, "lo");
-  bool done = ioctl(any_socket, SIOCGIFFLAGS, &request) == 0;
-  const auto flags = static_cast<unsigned>(request.ifr_flags) & ~static_cast<unsigned>(IFF_UP);
-  request.ifr_flags = static_cast<short>(up ? flags | IFF_UP : flags);
-  done = done && ioctl(any_socket, SIOCSIFFLAGS, &request) == 0;
-  const int problem = errno;
-  close(any_socket);
-  errno = problem;
-  require(done, "cannot switch the loopback interface");
+void takeLoopbackDown() {
+  setLoopback(false);
+}
+
+void dropEveryPacket() {
+  // Where nft is, whether or not PATH names that folder for everybody.
+  const Finished nft = runToEnd({"/usr/sbin/nft",
+                                 "add table ip silence; add chain ip silence incoming "
+                                 "{ type filter hook input priority 0; policy drop; }"},
+                                {}, std::chrono::seconds(10));
+  if (nft.exit_code != 0) {
+    throw std::runtime_error("packets cannot be dropped: " + nft.err);
+  }
 }

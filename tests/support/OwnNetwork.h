@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+// A network of this process and its children alone: loopback, where every port is free, and where
+// packets can be lost without troubling anybody else.
 #ifndef MURLINK_TESTS_OWN_NETWORK_H
 #define MURLINK_TESTS_OWN_NETWORK_H
 
-// Moves this process, and all that it starts later, into a network namespace where only the loopback
-// interface exists and works. The library's addresses are fixed; in a network of its own a test has
-// them to itself. To be called before any thread is started. Does nothing in a child of a process that
-// has done so. Throws std::system_error where the kernel does not permit it.
-void enterOwnNetwork();
+// Moves this process into one, with loopback up. False, and nothing changed, when the system does not
+// permit that. To be called before the process has a second thread.
+bool enterOwnNetwork();
 
-// Takes the loopback interface of this process's network down, or up again.
-void setLoopback(bool up);
+// Both are for a process that is in its own network, and throw when they fail.
+void takeLoopbackDown();
+void dropEveryPacket();  // needs nftables
 
 #endif

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: Apache-2.0
+// outgoing_call CALL FAULT: makes one call of the library under a fault, and prints its result, its
+// microseconds, how many microseconds this machine is late by itself, and the lines of the log.
+//
+// A process makes one call only. After a failure the channel answers by itself for a while, and a
+// second call would meet that instead of the fault. It does so in a network of its own, so that many
+// may run at once, and ends with kNotPermitted where it gets none.
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <future>
+#include <iostream>
+#include <memory>
+#include <thread>
+
+#include "OutgoingCalls.h"
+#include "RawPeer.h"
+#include "support/OwnNetwork.h"
+#include "support/PlatformCapture.h"
+#include "support/SimulatorProcess.h"
+#include "support/TestProcess.h"
+
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::steady_clock;
+
+const std::string kRobot = MURLINK_ROBOT_HOST ":26710";
+const std::string kDisplay = MURLINK_DISPLAY_HOST ":26710";
+
+microseconds since(steady_clock::time_point start) {
+  return std::chrono::duration_cast<microseconds>(steady_clock::now() - start);
+}
+
+// The peers of a call, which behave until the fault begins.
+class Peers {
+ public:
+  virtual ~Peers() = default;
+  virtual void misbehave(const OutgoingCall& call) = 0;
+};
+
+// Simulated ones, with a proxy in front of the side that is called.
+class ProxiedPeers : public Peers {
+ public:
+  ProxiedPeers(std::string fault, const OutgoingCall& call)
+      : fault_(std::move(fault)),
+        simulator_({"--quiet", call.side == Side::Robot ? "--robot" : "--display", kBehind}) {
+    simulator_.command("proxy " + (call.side == Side::Robot ? kRobot : kDisplay) + " to " +
+                       kBehind);
+  }
+
+  void misbehave(const OutgoingCall& call) override {
+    // Either is the middle of the answer: a new connection says something about itself before.
+    const std::string half = call.needs_foot_touch ? "cut 18" : "cut 150";
+    simulator_.command("fault " + (fault_ == kHalfAnAnswer ? half : fault_));
+  }
+
+ private:
+  static constexpr const char* kBehind = "127.0.0.3:26710";
+
+  const std::string fault_;
+  SimulatorProcess simulator_;
+};
+
+// Simulated ones behind a network that breaks.
+class CutOffPeers : public Peers {
+ public:
+  explicit CutOffPeers(std::function<void()> breakNetwork) : break_(std::move(breakNetwork)) {}
+
+  void misbehave(const OutgoingCall& call) override {
+    if (call.function == foot_touch_initialize && call.side == Side::Robot) {
+      // The display, which is asked before, must have had its turn.
+      simulator_.command("when service_On foot-touch fail INTERNAL once");
+      foot_touch_initialize();
+    }
+    break_();
+  }
+
+ private:
+  std::function<void()> break_;
+  SimulatorProcess simulator_{{"--quiet"}};
+};
+
+// Ones that answer with bytes of their own.
+class RawPeers : public Peers {
+ public:
+  explicit RawPeers(std::string answer) : answer_(std::move(answer)) {}
+
+  void misbehave(const OutgoingCall& call) override {
+    (call.side == Side::Robot ? robot_ : display_).answer(answer_);
+  }
+
+ private:
+  const std::string answer_;
+  RawPeer robot_{kRobot};
+  RawPeer display_{kDisplay};
+};
+
+// A message whose one field, unknown to everybody, has 5 MiB. It would be read as success.
+std::string largeMessage() {
+  constexpr std::size_t kSize = 5 << 20;
+  return "\x12\x80\x80\xc0\x02" + std::string(kSize, 'x');
+}
+
+std::unique_ptr<Peers> peersWith(const std::string& fault, const OutgoingCall& call) {
+  if (fault == kDroppedPackets) {
+    return std::make_unique<CutOffPeers>(dropEveryPacket);
+  }
+  if (fault == kLinkDown) {
+    return std::make_unique<CutOffPeers>(takeLoopbackDown);
+  }
+  if (fault == kLargeAnswer) {
+    return std::make_unique<RawPeers>(largeMessage());
+  }
+  if (fault == kNoProtobuf) {
+    return std::make_unique<RawPeers>("\xff\xff\xff no protobuf");
+  }
+  return std::make_unique<ProxiedPeers>(fault, call);
+}
+
+// How late this machine wakes a thread up that sleeps a while, over and over, as long as this lives.
+class OwnLateness {
+ public:
+  microseconds end() {
+    over_ = true;
+    return longest_.get();
+  }
+
+ private:
+  std::atomic<bool> over_{false};
+  std::future<microseconds> longest_ = std::async(std::launch::async, [this] {
+    microseconds longest{0};
+    while (!over_) {
+      const auto wanted = steady_clock::now() + std::chrono::milliseconds(5);
+      std::this_thread::sleep_until(wanted);
+      longest = std::max(longest, since(wanted));
+    }
+    return longest;
+  });
+};
+
+void report(const OutgoingCall& call) {
+  const LogCapture log;
+  OwnLateness lateness;
+  const auto start = steady_clock::now();
+  const int result = call.function();
+  const microseconds took = since(start);
+
+  std::cout << result << " " << took.count() << " " << lateness.end().count() << "\n";
+  for (const LogLine& line : log.lines()) {
+    std::cout << line.text;
+  }
+  std::cout << std::flush;
+}
+
+int run(const std::string& name, const std::string& fault) {
+  const auto& calls = outgoingCalls();
+  const auto call = std::find_if(calls.begin(), calls.end(),
+                                 [&](const OutgoingCall& one) { return name == one.name; });
+  if (!enterOwnNetwork()) {
+    return kNotPermitted;
+  }
+  const auto peers = peersWith(fault, *call);
+  if (call->needs_foot_touch && foot_touch_initialize() != 0) {
+    return EXIT_FAILURE;
+  }
+  peers->misbehave(*call);
+  report(*call);
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  prepareTestProcess();
+  if (argc != 3) {
+    return EXIT_FAILURE;
+  }
+  // At once: an orderly end would wait for peers that do not answer.
+  std::_Exit(run(argv[1], argv[2]));
+}
