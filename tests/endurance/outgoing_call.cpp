@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// outgoing_call CALL FAULT: makes one call of the library under a fault, and prints its result, its
+// outgoing_call CALL FAULT [STEP AFTER]: makes one call of the library under a fault, and prints its result, its
 // microseconds, how many microseconds this machine is late by itself, and the lines of the log.
+// The wall clock is set by STEP seconds AFTER so many milliseconds of the call; just before it when
+// that is 0.
 //
 // A process makes one call only. After a failure the channel answers by itself for a while, and a
 // second call would meet that instead of the fault. It does so in a network of its own, so that many
@@ -18,6 +20,7 @@
 #include "support/OwnNetwork.h"
 #include "support/PlatformCapture.h"
 #include "support/SimulatorProcess.h"
+#include "support/SteppedClock.h"
 #include "support/TestProcess.h"
 
 namespace {
@@ -45,6 +48,7 @@ class ProxiedPeers : public Peers {
   ProxiedPeers(std::string fault, const OutgoingCall& call)
       : fault_(std::move(fault)),
         simulator_({"--quiet", call.side == Side::Robot ? "--robot" : "--display", kBehind}) {
+    simulator_.command("when any any answer 0");
     simulator_.command("proxy " + (call.side == Side::Robot ? kRobot : kDisplay) + " to " +
                        kBehind);
   }
@@ -139,8 +143,26 @@ class OwnLateness {
   });
 };
 
-void report(const OutgoingCall& call) {
+struct Step {
+  std::chrono::seconds size;
+  std::chrono::milliseconds after;
+};
+
+// Sets the clock at once or, from a thread of its own, later.
+std::future<void> take(Step step) {
+  if (step.after.count() == 0) {
+    stepClock(step.size);
+    return {};
+  }
+  return std::async(std::launch::async, [step] {
+    std::this_thread::sleep_for(step.after);
+    stepClock(step.size);
+  });
+}
+
+void report(const OutgoingCall& call, const Step& step) {
   const LogCapture log;
+  const auto stepped = take(step);
   OwnLateness lateness;
   const auto start = steady_clock::now();
   const int result = call.function();
@@ -153,7 +175,7 @@ void report(const OutgoingCall& call) {
   std::cout << std::flush;
 }
 
-int run(const std::string& name, const std::string& fault) {
+int run(const std::string& name, const std::string& fault, const Step& step) {
   const auto& calls = outgoingCalls();
   const auto call = std::find_if(calls.begin(), calls.end(),
                                  [&](const OutgoingCall& one) { return name == one.name; });
@@ -165,7 +187,7 @@ int run(const std::string& name, const std::string& fault) {
     return EXIT_FAILURE;
   }
   peers->misbehave(*call);
-  report(*call);
+  report(*call, step);
   return EXIT_SUCCESS;
 }
 
@@ -173,9 +195,12 @@ int run(const std::string& name, const std::string& fault) {
 
 int main(int argc, char** argv) {
   prepareTestProcess();
-  if (argc != 3) {
+  if (argc != 3 && argc != 5) {
     return EXIT_FAILURE;
   }
+  const Step step = argc == 3 ? Step{}
+                              : Step{std::chrono::seconds(std::stol(argv[3])),
+                                     std::chrono::milliseconds(std::stol(argv[4]))};
   // At once: an orderly end would wait for peers that do not answer.
-  std::_Exit(run(argv[1], argv[2]));
+  std::_Exit(run(argv[1], argv[2], step));
 }

@@ -1,0 +1,94 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "Outcomes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <sstream>
+
+#include "support/ChildProcess.h"
+
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+
+Outcome outcomeOf(const Trial& trial) {
+  std::vector<std::string> command{OUTGOING_CALL, trial.call->name};
+  command.insert(command.end(), trial.circumstances.begin(), trial.circumstances.end());
+  const Finished finished = runToEnd(command, {}, std::chrono::seconds(60));
+  Outcome outcome;
+  outcome.trial = trial;
+  outcome.exit_code = finished.exit_code;
+  long took = 0;
+  long machine_late = 0;
+  std::istringstream words(finished.out);
+  words >> outcome.result >> took >> machine_late;
+  outcome.took = microseconds(took);
+  outcome.machine_late = microseconds(machine_late);
+  outcome.log = finished.out + finished.err;
+  return outcome;
+}
+
+// A machine that wakes a mere sleeper up late does so for each thread that an answer passes through.
+microseconds allowedOverrun(const Outcome& outcome) {
+  return milliseconds(100) + 4 * outcome.machine_late;
+}
+
+std::string inMilliseconds(microseconds duration) {
+  std::ostringstream text;
+  text << std::chrono::duration<double, std::milli>(duration).count() << " ms";
+  return text.str();
+}
+
+}  // namespace
+
+std::vector<Outcome> outcomesOf(const std::vector<Trial>& trials) {
+  constexpr int kAtOnce = 10;
+  std::vector<Outcome> outcomes(trials.size());
+  std::atomic<std::size_t> next{0};
+  std::vector<std::future<void>> workers;
+  for (int i = 0; i < kAtOnce; ++i) {
+    workers.push_back(std::async(std::launch::async, [&] {
+      for (std::size_t job = next++; job < trials.size(); job = next++) {
+        outcomes[job] = outcomeOf(trials[job]);
+      }
+    }));
+  }
+  for (auto& worker : workers) {
+    worker.get();
+  }
+  return outcomes;
+}
+
+bool wereNotPermitted(const std::vector<Outcome>& outcomes) {
+  return outcomes.front().exit_code == kNotPermitted;
+}
+
+void expectFailureInTime(const Outcome& outcome, milliseconds later) {
+  ASSERT_EQ(outcome.exit_code, 0) << outcome.log;
+  const OutgoingCall& call = *outcome.trial.call;
+  const Failure& failure = outcome.reachedDeadline() ? call.late : call.failed;
+
+  EXPECT_LE(outcome.overrun(), allowedOverrun(outcome) + later) << outcome.log;
+  EXPECT_EQ(outcome.result, failure.result) << outcome.log;
+  EXPECT_THAT(outcome.log, ::testing::HasSubstr(failure.line));
+}
+
+std::string summary(const std::vector<Outcome>& outcomes) {
+  microseconds longest{0};
+  microseconds longest_overrun = std::chrono::hours(-1);
+  microseconds machine_late{0};
+  for (const Outcome& outcome : outcomes) {
+    longest = std::max(longest, outcome.took);
+    longest_overrun = std::max(longest_overrun, outcome.overrun());
+    machine_late = std::max(machine_late, outcome.machine_late);
+  }
+  return (longest_overrun < milliseconds(-5)
+              ? "none reached its deadline; the longest took " + inMilliseconds(longest)
+              : "longest overrun " + inMilliseconds(longest_overrun)) +
+         "; the machine itself was late by " + inMilliseconds(machine_late);
+}
