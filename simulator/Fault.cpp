@@ -40,7 +40,7 @@ Fault takeFault(WordReader& words) {
 }
 
 std::string describe(const Fault& fault) {
-  const std::string name(nameOf(kinds(), fault.kind));
+  std::string name(nameOf(kinds(), fault.kind));
   switch (fault.kind) {
     case Fault::Delay:
     case Fault::Slow:

@@ -119,11 +119,12 @@ void Proxy::accept() {
     return;
   }
   ++accepted_;
-  if (fault_.kind == Fault::Reset) {
-    client.reset();
-  } else if (isAnsweredByProxy(fault_)) {
+  if (isAnsweredByProxy(fault_)) {
     connections_.push_back(std::make_unique<Impostor>(std::move(client), fault_));
-  } else if (Socket peer = connectTo(peer_); peer.isOpen()) {
+    return;
+  }
+  Socket peer = fault_.kind == Fault::Reset ? Socket() : connectTo(peer_);
+  if (peer.isOpen()) {
     connections_.push_back(std::make_unique<Relay>(std::move(client), std::move(peer), fault_));
   } else {
     client.reset();

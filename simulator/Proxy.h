@@ -63,7 +63,7 @@ class Proxy {
   void run();
   bool heed();
   void adopt(const Fault& fault);
-  bool keepUnder(const Fault& fault, std::unique_ptr<ProxyConnection>& connection);
+  static bool keepUnder(const Fault& fault, std::unique_ptr<ProxyConnection>& connection);
   void wait(std::vector<pollfd>& polled) const;
   void accept();
   void stepAll(const std::vector<pollfd>& polled);
