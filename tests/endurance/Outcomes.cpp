@@ -74,10 +74,6 @@ std::vector<Outcome> outcomesOf(const std::vector<Trial>& trials) {
   return outcomes;
 }
 
-bool wereNotPermitted(const std::vector<Outcome>& outcomes) {
-  return outcomes.front().exit_code == kNotPermitted;
-}
-
 void expectFailureInTime(const Outcome& outcome, milliseconds later) {
   ASSERT_EQ(outcome.exit_code, 0) << outcome.log;
   const OutgoingCall& call = *outcome.trial.call;

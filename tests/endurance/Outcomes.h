@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What became of outgoing calls that were each made by a process of its own, see outgoing_call.cpp.
+// Only where processes can have networks of their own.
 #ifndef MURLINK_TESTS_OUTCOMES_H
 #define MURLINK_TESTS_OUTCOMES_H
 
@@ -31,10 +32,6 @@ struct Outcome {
 
 // Carries all of them out, several at once: most only wait.
 std::vector<Outcome> outcomesOf(const std::vector<Trial>& trials);
-
-// Whether outgoing_call was refused a network of its own, and how to say so.
-constexpr const char* kNoOwnNetwork = "this user may not have a network of their own (unshare)";
-bool wereNotPermitted(const std::vector<Outcome>& outcomes);
 
 // That the call ended by its deadline, or so much later, and with the failure that fits the moment.
 void expectFailureInTime(const Outcome& outcome,

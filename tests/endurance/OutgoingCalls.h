@@ -17,9 +17,6 @@ constexpr const char* kLinkDown = "down";
 constexpr const char* kLargeAnswer = "large";
 constexpr const char* kNoProtobuf = "noise";
 
-// How outgoing_call ends when it may not have a network of its own.
-constexpr int kNotPermitted = 77;
-
 // How a function says that a call has failed: its result, and the end of a line in the log.
 struct Failure {
   int result;

@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // The port for presses cannot be had: that is reported once, nobody shares it, nothing crashes, and
 // the next start has it.
-#include <arpa/inet.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <net/if.h>
-#include <sched.h>
-#include <sys/ioctl.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
 #include <fstream>
 
 #include "Endurance.h"
 #include "murlink_robot.h"
 #include "support/Conversation.h"
 #include "support/Listener.h"
+#include "support/OwnNetwork.h"
 #include "support/PlatformCapture.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
@@ -126,30 +120,10 @@ TEST(PressPort, IsNeverSharedWithAnotherApplication) {
 
 // ---- An address that is not on this machine
 
-// Puts this thread, and all that it starts, into a network of its own. False when that is forbidden.
-bool enterOwnNetwork() {
-  return unshare(CLONE_NEWNET) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNET) == 0;
-}
-
-// Sets how many addresses beside 127.0.0.1 are on this machine: all of 127 or none.
-void setLoopback(const char* netmask) {
-  const int control = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  ifreq request{};
-  std::strcpy(request.ifr_name, "lo");
-  request.ifr_flags = IFF_UP | IFF_LOOPBACK | IFF_RUNNING;
-  EXPECT_EQ(ioctl(control, SIOCSIFFLAGS, &request), 0);
-  auto* const mask = reinterpret_cast<sockaddr_in*>(&request.ifr_netmask);
-  mask->sin_family = AF_INET;
-  inet_pton(AF_INET, netmask, &mask->sin_addr);
-  EXPECT_EQ(ioctl(control, SIOCSIFNETMASK, &request), 0);
-  close(control);
-}
-
 TEST(PressPort, OnAnAddressThatIsNotOnThisMachineIsHadOnceItIs) {
-  if (!enterOwnNetwork()) {
-    GTEST_SKIP() << "may not make a network of its own";
+  if (!kHaveOwnNetworks) {
+    GTEST_SKIP() << kNoOwnNetwork;
   }
-  setLoopback("255.0.0.0");
   const int rounds = times(3, 100);
   SimulatorProcess peers({"--quiet"});
   for (int i = 0; i < rounds && !HasFailure(); ++i) {
@@ -158,13 +132,13 @@ TEST(PressPort, OnAnAddressThatIsNotOnThisMachineIsHadOnceItIs) {
       // The display has to be told first, so the address goes while the server thread begins.
       const SlowLog slow("server_thread create start", milliseconds(500));
       initialize();
-      setLoopback("255.255.255.255");
+      setLoopbackMask("255.255.255.255");
       EXPECT_TRUE(within10s([&] { return linesWith(log, "cannot listen on") > 0; }));
     }
     EXPECT_EQ(listeners(), 0);
     finalize();
     EXPECT_EQ(linesWith(log, "cannot listen on"), 1);
-    setLoopback("255.0.0.0");
+    setLoopbackMask("255.0.0.0");
   }
   startAndHear(peers);
   figure("address not on this machine", rounds, "one error each; heard once it is back");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OwnNetwork.h"
 
+#include <arpa/inet.h>
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
@@ -25,12 +26,11 @@ void becomeRootOfOwnUsers(uid_t user, gid_t group) {
   std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
 }
 
-void setLoopback(bool up) {
+// Changes a property of the loopback interface.
+void set(unsigned long property, ifreq value) {
   const int any = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-  ifreq request{};
-  std::strcpy(request.ifr_name, "lo");
-  request.ifr_flags = up ? IFF_UP : 0;
-  const bool done = ioctl(any, SIOCSIFFLAGS, &request) == 0;
+  std::strcpy(value.ifr_name, "lo");
+  const bool done = ioctl(any, property, &value) == 0;
   const int error = errno;
   close(any);
   if (!done) {
@@ -38,23 +38,36 @@ void setLoopback(bool up) {
   }
 }
 
+void setLoopback(bool up) {
+  ifreq request{};
+  request.ifr_flags = up ? IFF_UP : 0;
+  set(SIOCSIFFLAGS, request);
+}
+
 }  // namespace
 
-bool enterOwnNetwork() {
+void enterOwnNetwork() {
   const uid_t user = geteuid();
   const gid_t group = getegid();
   if (unshare(user == 0 ? CLONE_NEWNET : CLONE_NEWNET | CLONE_NEWUSER) != 0) {
-    return false;
+    throw std::system_error(errno, std::generic_category(), kNoOwnNetwork);
   }
   if (user != 0) {
     becomeRootOfOwnUsers(user, group);
   }
   setLoopback(true);
-  return true;
 }
 
 void takeLoopbackDown() {
   setLoopback(false);
+}
+
+void setLoopbackMask(const char* mask) {
+  ifreq request{};
+  auto* const value = reinterpret_cast<sockaddr_in*>(&request.ifr_netmask);
+  value->sin_family = AF_INET;
+  inet_pton(AF_INET, mask, &value->sin_addr);
+  set(SIOCSIFNETMASK, request);
 }
 
 void dropEveryPacket() {
