@@ -3,10 +3,7 @@
 // everything sent, and the state in between are what the model says. Peers that keep silent are left
 // out, because each costs a call its whole deadline; one that sends that status stands in for them.
 #include <fuzzer/FuzzedDataProvider.h>
-#include <grpcpp/create_channel.h>
 
-#include <iterator>
-#include <mutex>
 #include <stdexcept>
 
 #include "Device.h"
@@ -16,36 +13,11 @@
 #include "FootTouchServerManager.h"
 #include "GrpcServer.h"
 #include "Peers.h"
+#include "Presses.h"
 #include "support/LayoutModel.h"
 #include "support/TestProcess.h"
 
 namespace {
-
-using zet::protobuf::app::Quarlo_RB_GRPC;
-
-// ---- The application's callbacks
-
-std::mutex pressed_mutex;
-std::string pressed;
-
-std::string pressOf(const Callback& callback, int id, int state) {
-  return std::to_string(callback.function) + " " + std::to_string(callback.data) + " " +
-         std::to_string(id) + " " + std::to_string(state) + "\n";
-}
-
-template <int function>
-void onPress(int id, int state, void* data) {
-  const std::lock_guard<std::mutex> lock(pressed_mutex);
-  pressed += pressOf({function, *static_cast<int*>(data)}, id, state);
-}
-
-std::string takePressed() {
-  const std::lock_guard<std::mutex> lock(pressed_mutex);
-  return std::exchange(pressed, {});
-}
-
-constexpr foot_touch_button_cb kFunctions[] = {onPress<0>, onPress<1>};
-int pointed_at[] = {0, 1, 2};
 
 // ---- The peers
 
@@ -61,20 +33,6 @@ Answer answerOf(const Reply& reply) {
   StatusResponse message;
   message.set_s(reply.s);
   return {reply.status, message.SerializeAsString()};
-}
-
-grpc::Status send(bool on, int id, StatusResponse& response) {
-  grpc::ChannelArguments arguments;
-  // Of its own, so that one that was refused keeps no later one waiting.
-  arguments.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
-  const auto stub = Quarlo_RB_GRPC::NewStub(
-      grpc::CreateCustomChannel(address, grpc::InsecureChannelCredentials(), arguments));
-  grpc::ClientContext context;
-  context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(5));
-  IntMessage request;
-  request.set_x(id);
-  return on ? stub->service_On(&context, request, &response)
-            : stub->service_Off(&context, request, &response);
 }
 
 // ---- One input: a process from its beginning to its end
@@ -231,8 +189,7 @@ void Session::setCallback() {
   if (data_.ConsumeIntegralInRange(0, 3) != 0) {
     callback = {data_.ConsumeIntegralInRange(0, 1), data_.ConsumeIntegralInRange(0, 2)};
   }
-  foot_touch_set_button_cb(callback ? kFunctions[callback->function] : nullptr,
-                           callback ? &pointed_at[callback->data] : nullptr);
+  set(callback);
   model_.setCallback(callback);
   check(0, {0, "", ""});
 }
@@ -257,7 +214,7 @@ void Session::press() {
     finding("the server does not listen");
   }
   StatusResponse response;
-  const grpc::Status status = send(on, id, response);
+  const grpc::Status status = report(id, on, response);
 
   const bool delivered = model_.listens() && model_.callback();
   expectEqual(status.error_code(),
