@@ -91,7 +91,11 @@ INSTANTIATE_TEST_SUITE_P(
         Layout{"NanStartAndNegativeEnd",
                {{4, kNaN, -1}},
                false,
-               {kNotInRange + range("4", "nan", "-1.000")}}),
+               {kNotInRange + range("4", "nan", "-1.000")}},
+        Layout{"NanEndAndStartBeyond",
+               {{4, 1.5F, kNaN}},
+               false,
+               {kNotInRange + range("4", "1.500", "nan")}}),
     rowName<Layout>);
 
 std::string overlapping(const std::string& first, const std::string& second) {

@@ -50,6 +50,14 @@ TEST(LogLines, ShowPercentSignsInArgumentsAsTheyAre) {
   EXPECT_THAT(log.lines(), ElementsAre(LogLine{4, "murlink", "a.cpp: f(#) > 100 %d\n", {}}));
 }
 
+TEST(LogLines, ShowAnEmptyTextAsNothing) {
+  const LogCapture log;
+
+  logLine(Level::Info, {"a.cpp", "f", 1}, "%s", "");
+
+  EXPECT_THAT(log.lines(), ElementsAre(LogLine{4, "murlink", "a.cpp: f(#) > \n", {}}));
+}
+
 TEST(LogLines, EndAfter1023Characters) {
   const LogCapture log;
 
