@@ -20,6 +20,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
+using ::testing::SizeIs;
 
 LogLine info(const std::string& function, const std::string& body) {
   return infoLine("FootTouchServerManager.cpp: " + function, body);
@@ -215,6 +216,15 @@ TEST_F(ServerManager, HoldsAnUnstartedServerForACallbackThatComesTooEarly) {
               ElementsAre(error("SetBtnCB", "WARNING: not initialized, initialize first!"),
                           info("ServerRun", "server already running on .")));
   EXPECT_TRUE(display.calls().empty());
+}
+
+TEST_F(ServerManager, WarnsOfATooEarlyCallbackOnceItHasAServerForIt) {
+  const LogCapture log;
+
+  manager.SetBtnCB(nullptr, nullptr);
+
+  EXPECT_THAT(log.lines(), SizeIs(3));
+  EXPECT_EQ(log.lines().back(), error("SetBtnCB", "WARNING: not initialized, initialize first!"));
 }
 
 TEST_F(ServerManager, StartsTheServerOnceTheEarlyCallbackIsCleanedUp) {

@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Mutants that no test can notice, each with its reason: equivalents.txt."""
+
+import re
+from pathlib import Path
+
+LIST = Path(__file__).with_name("equivalents.txt")
+
+
+def words(text):
+    return " ".join(text.split())
+
+
+def entries():
+    """The file, the lines before and after, and the reason of each entry. Entries have a blank line
+    between them."""
+    text = "".join(line for line in LIST.read_text().splitlines(True) if not line.startswith("#"))
+    for entry in filter(None, map(str.strip, text.split("\n\n"))):
+        file, change = entry.split("\n", 1)
+        before, rest = change.split("\nbecomes\n", 1)
+        after, reason = rest.split("\nbecause ", 1)
+        yield file, words(before), words(after), words(reason)
+
+
+def is_equivalent(mutant):
+    """Whether the mutant is on the list."""
+    lines = mutant.difference().split("\n")
+    before = words("\n".join(line[1:] for line in lines if line.startswith("-")))
+    after = words("\n".join(line[1:] for line in lines if line.startswith("+")))
+    return any(file == mutant.file and old == before and
+               re.fullmatch(re.escape(new).replace(r"\.\.\.", ".*"), after)
+               for file, old, new, _ in entries())
