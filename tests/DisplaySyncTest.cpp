@@ -70,6 +70,17 @@ TEST_F(DisplaySync, TellsTheAddress) {
   EXPECT_LE(calls[0].at("deadline_ms"), 1100);
 }
 
+TEST_F(DisplaySync, LogsThatItTellsTheAddressBeforeItDoes) {
+  display.command("when setFootTouchAPIServerAddress wait 300ms");
+  const LogCapture log;
+
+  server->initialize(kAddress);
+
+  const auto lines = log.lines();
+  ASSERT_EQ(lines.size(), 6U);
+  EXPECT_GE(lines[4].when - lines[3].when, milliseconds(250));
+}
+
 TEST_F(DisplaySync, TellsTheAddressAgain) {
   server->initialize("127.0.0.9:1");
   server->initialize(kAddress);

@@ -18,6 +18,7 @@ using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using ::testing::Contains;
 using ::testing::ElementsAre;
+using ::testing::Gt;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::SizeIs;
@@ -187,6 +188,17 @@ TEST_P(UnreachableDisplay, FailsAndLeavesNoServer) {
 
 INSTANTIATE_TEST_SUITE_P(That, UnreachableDisplay,
                          ::testing::Values("answer 1", "fail UNAVAILABLE", "never"));
+
+TEST_F(ServerManager, LogsItsFailureBeforeItReleasesTheServer) {
+  display.command("when setFootTouchAPIServerAddress answer 1");
+  const LogCapture log;
+
+  manager.ServerRun();
+
+  const auto lines = log.lines();
+  ASSERT_THAT(lines, SizeIs(Gt(5)));
+  EXPECT_EQ(lines[lines.size() - 5], info("ServerRun", "foot_touch_server initialize failed"));
+}
 
 TEST_F(ServerManager, StartsOverAfterTheDisplayCameBack) {
   display.command("when setFootTouchAPIServerAddress answer 1 once");

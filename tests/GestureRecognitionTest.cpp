@@ -91,6 +91,29 @@ TEST_F(GestureController, IsReleasedWhateverTheArgument) {
   }
 }
 
+// Notes how much has been logged when it is deleted.
+class Witness : public GestureRecognition {
+ public:
+  Witness(const LogCapture& log, std::size_t& lines) : log_(log), lines_(lines) {}
+  Witness(const Witness&) = delete;
+  Witness& operator=(const Witness&) = delete;
+  ~Witness() override { lines_ = log_.count(); }
+
+ private:
+  const LogCapture& log_;
+  std::size_t& lines_;
+};
+
+TEST_F(GestureController, LogsItsReleaseBeforeItIsDeleted) {
+  const LogCapture log;
+  std::size_t lines = 0;
+  GestureRecognition::instance = new Witness(log, lines);
+
+  GestureRecognition::ReleaseInstance(nullptr);
+
+  EXPECT_EQ(lines, 1U);
+}
+
 TEST_F(GestureController, IsReleasedTwiceByLoggingTwice) {
   const LogCapture log;
 

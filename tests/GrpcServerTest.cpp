@@ -283,15 +283,18 @@ TEST_F(CallbackServer, WaitsAtItsEndForTheCallbackThatRuns) {
   server->run_server();
   auto pressing = std::async(std::launch::async, [] { return press(1).s(); });
   entered.get_future().wait();
+  const LogCapture log;
   auto end = std::async(std::launch::async, [&] {
     server->terminate_server();
     return returned.load();
   });
 
   EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
+  EXPECT_TRUE(within10s([&log] { return log.count() == 2; }));
   go.set_value();
 
   EXPECT_TRUE(end.get());
+  EXPECT_EQ(log.lines()[1], info("terminate_server", "shutting down"));
   EXPECT_EQ(pressing.get(), 0);
 }
 
