@@ -22,11 +22,17 @@ def entries():
         yield file, words(before), words(after), words(reason)
 
 
-def is_equivalent(mutant):
-    """Whether the mutant is on the list."""
-    lines = mutant.difference().split("\n")
-    before = words("\n".join(line[1:] for line in lines if line.startswith("-")))
-    after = words("\n".join(line[1:] for line in lines if line.startswith("+")))
-    return any(file == mutant.file and old == before and
-               re.fullmatch(re.escape(new).replace(r"\.\.\.", ".*"), after)
-               for file, old, new, _ in entries())
+def fits(entry, mutant):
+    file, old, new, _ = entry
+    before, after = map(words, mutant.lines())
+    return file == mutant.file and old == before and \
+        re.fullmatch(re.escape(new).replace(r"\.\.\.", ".*"), after)
+
+
+def noticeable(mutants):
+    """The mutants that are not on the list. Throws when the list has grown old."""
+    listed = list(entries())
+    for entry in listed:
+        if not any(fits(entry, mutant) for mutant in mutants):
+            raise ValueError("%s: no mutant is %s -> %s" % (LIST, entry[1], entry[2]))
+    return [mutant for mutant in mutants if not any(fits(entry, mutant) for entry in listed)]

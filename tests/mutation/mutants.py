@@ -35,6 +35,13 @@ class Mutant:
         assert source == self.source
         return source[:self.begin] + self.text + source[self.end:]
 
+    def lines(self):
+        """The whole lines that it changes, before and after."""
+        begin = self.source.rfind("\n", 0, self.begin) + 1
+        end = self.source.find("\n", self.end)
+        return (self.source[begin:end],
+                self.source[begin:self.begin] + self.text + self.source[self.end:end])
+
     def difference(self):
         lines = difflib.unified_diff(self.source.splitlines(),
                                      self.applied_to(self.source).splitlines(), lineterm="", n=1)

@@ -14,7 +14,7 @@ import sys
 import time
 from pathlib import Path
 
-from equivalents import is_equivalent
+from equivalents import noticeable
 from mutants import mutants_of
 
 SOURCE = Path(__file__).resolve().parent.parent.parent
@@ -187,7 +187,7 @@ def main():
         sys.exit(__doc__)
     count, seed = [*map(int, numbers), *[60, 1][len(numbers):]]
     chance = random.Random(seed)
-    every = [mutant for mutant in mutants_of(SOURCE, chance) if not is_equivalent(mutant)]
+    every = noticeable(mutants_of(SOURCE, chance))
     workshop = Workshop(SOURCE / "build/mutants" / str(seed))
     prepare(workshop)
     print("%d of %d mutants, seed %d" % (min(count, len(every)), len(every), seed), flush=True)
