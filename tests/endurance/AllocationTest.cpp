@@ -18,6 +18,13 @@
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
+// A leak checker asks for it. What gRPC generates for a service makes two objects in one expression,
+// and loses the first when there is no memory for the second.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:Quarlo_RB_GRPC::Service::Service";
+}
+
 namespace {
 
 // As an application does that is told to try again.
@@ -80,6 +87,10 @@ bool useEverythingWithout(int nth, SimulatorProcess& peers) {
 }
 
 TEST(FailingAllocations, LeaveTheChannelToTheNextCall) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP()
+      << "ThreadSanitizer's pthread_once() never forgets a call that ended by an exception";
+#endif
   int points = 0;
   for (bool made = false; !made; ++points) {
     failAllocation(points + 1);
@@ -100,6 +111,8 @@ TEST(FailingAllocations, LeaveTheChannelToTheNextCall) {
 
 TEST(FailingAllocations, EndNothingAndAreOverWithTheNextCall) {
   SimulatorProcess peers({"--quiet"});
+  FootTouchGrpcClient::getInstance();  // the channel is made once, and has a test of its own
+  forgetSingletons();
   int points = 0;
   while (useEverythingWithout(points + 1, peers)) {
     ASSERT_FALSE(HasFailure()) << "allocation " << points + 1;

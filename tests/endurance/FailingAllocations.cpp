@@ -102,6 +102,11 @@ bool allocationFailed() {
   return memory;
 }
 
+// A sanitizer would take this one for its own, and then miss it in `delete`.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return std::malloc(size == 0 ? 1 : size);
+}
+
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
