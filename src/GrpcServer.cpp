@@ -60,6 +60,24 @@ Buttons toMessage(const std::vector<button>& buttons) {
   return message;
 }
 
+// gRPC destroys what it builds servers with while the process ends, when another thread may still
+// initialise foot touch. Our static objects go before gRPC's: the last of the builds is waited for,
+// and none begins after it.
+std::mutex building;
+bool process_ends = false;
+
+struct LastBuild {
+  ~LastBuild() {
+    const std::lock_guard<std::mutex> lock(building);
+    process_ends = true;
+  }
+} last_build;
+
+std::unique_ptr<grpc::Server> build(grpc::ServerBuilder& builder) {
+  const std::lock_guard<std::mutex> lock(building);
+  return process_ends ? nullptr : builder.BuildAndStart();
+}
+
 }  // namespace
 
 // ---- The one instance
@@ -153,7 +171,7 @@ void FootTouch_Server::serve(std::promise<void> settled, std::promise<void> left
     LOG_INFO("Builder listening port created");
     builder.RegisterService(_instance);
     LOG_INFO("Builder construction complete");
-    server = builder.BuildAndStart();
+    server = build(builder);
   } catch (const std::exception& failure) {
     // Nobody above could catch it: it would end the process.
     LOG_ERROR("cannot listen on %s: %s", server_address.c_str(), failure.what());
