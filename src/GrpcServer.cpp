@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GrpcServer.h"
 
-#include <grpc/grpc.h>
 #include <grpcpp/create_channel.h>
 #include <grpcpp/security/credentials.h>
 #include <grpcpp/security/server_credentials.h>
-#include <grpcpp/server_builder.h>
 
 #include <exception>
 
 #include "Log.h"
+#include "ServerSetup.h"
 #include "UnaryCall.h"
 
 using zet::protobuf::app::Buttons;
@@ -22,32 +21,10 @@ namespace {
 constexpr std::chrono::seconds kAddressDeadline{1};
 constexpr std::chrono::seconds kLayoutDeadline{2};
 
-// How long clients have at the end to take the last answer and to say goodbye.
-constexpr std::chrono::seconds kFarewell{1};
-
-// Per connection. A recogniser that has more to report at once queues it at its own end; a stranger
-// cannot have more threads wait in the callback.
-constexpr int kCallsAtOnce = 100;
-
-// A press has a few bytes. The rest is for fields that a newer recogniser may add; gRPC's own limit
-// would let a stranger keep 4 MiB here for each call.
-constexpr int kLargestMessage = 64 * 1024;
-
-// A connection on which gRPC has not spoken by then is closed; gRPC would keep its descriptor for
-// 120 s. Idle recognisers, which have spoken, are left alone: closing their connections, or asking for
-// signs of life, loses presses now and then.
-constexpr int kSilenceLimitMs = 5000;
-
 constexpr int kCallbackNotSet = 4;
 
 constexpr int kCallFailed = 4;
 constexpr int kRefused = 6;
-
-void limitClients(grpc::ServerBuilder& builder) {
-  builder.AddChannelArgument(GRPC_ARG_SERVER_HANDSHAKE_TIMEOUT_MS, kSilenceLimitMs);
-  builder.AddChannelArgument(GRPC_ARG_MAX_CONCURRENT_STREAMS, kCallsAtOnce);
-  builder.SetMaxReceiveMessageSize(kLargestMessage);
-}
 
 Buttons toMessage(const std::vector<button>& buttons) {
   Buttons message;
@@ -58,24 +35,6 @@ Buttons toMessage(const std::vector<button>& buttons) {
     added->set_ending(one.end);
   }
   return message;
-}
-
-// gRPC destroys what it builds servers with while the process ends, when another thread may still
-// initialise foot touch. Our static objects go before gRPC's: the last of the builds is waited for,
-// and none begins after it.
-std::mutex building;
-bool process_ends = false;
-
-struct LastBuild {
-  ~LastBuild() {
-    const std::lock_guard<std::mutex> lock(building);
-    process_ends = true;
-  }
-} last_build;
-
-std::unique_ptr<grpc::Server> build(grpc::ServerBuilder& builder) {
-  const std::lock_guard<std::mutex> lock(building);
-  return process_ends ? nullptr : builder.BuildAndStart();
 }
 
 }  // namespace
@@ -163,10 +122,7 @@ void FootTouch_Server::serve(std::promise<void> settled, std::promise<void> left
   try {
     grpc::ServerBuilder builder;
     LOG_INFO("Builder decleared");
-    // Without this a second process could listen on the same port and would get half of the
-    // presses.
-    builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
-    limitClients(builder);
+    setLimits(builder);
     builder.AddListeningPort(server_address, grpc::InsecureServerCredentials());
     LOG_INFO("Builder listening port created");
     builder.RegisterService(_instance);
@@ -199,7 +155,7 @@ void FootTouch_Server::terminate_server() {
   }
   if (server != nullptr) {
     LOG_INFO("shutting down");
-    shut_down();
+    reports.shutDown(*server);
     // The thread may still be about to enter Wait, or on its way out of it.
     server_left.wait();
     server.reset();
@@ -218,29 +174,6 @@ void FootTouch_Server::terminate_server() {
   LOG_INFO("0522 0522 done terminate");
 }
 
-// Waits for running callbacks without limit. A client that has begun a call and says no more, or does
-// not take leave, would be waited for as well, some for ever: it is cut off.
-void FootTouch_Server::shut_down() {
-  std::promise<void> done;
-  const auto watch = std::async(std::launch::async, &FootTouch_Server::cut_off_the_silent, this,
-                                done.get_future());
-  server->Shutdown();
-  done.set_value();
-}
-
-// On a thread of its own, beside Shutdown(). A press that has not reached its callback by now never
-// will, so nothing is lost once all callbacks have returned and their answers have had their time.
-void FootTouch_Server::cut_off_the_silent(const std::future<void>& done) {
-  unsigned reported_before = reports_ended;
-  while (done.wait_for(kFarewell) == std::future_status::timeout) {
-    const unsigned reported = reports_ended;
-    if (reports_running == 0 && reported == reported_before) {
-      grpc_server_cancel_all_calls(server->c_server());
-    }
-    reported_before = reported;
-  }
-}
-
 // ---- Presses
 
 struct FootTouch_Server::Event {
@@ -249,21 +182,6 @@ struct FootTouch_Server::Event {
   const char* begin;
   const char* request;
   const char* done;
-};
-
-// Counts a report as running while it lives, even when the callback throws.
-class FootTouch_Server::Running {
- public:
-  explicit Running(FootTouch_Server& server) : server_(server) { ++server_.reports_running; }
-  ~Running() {
-    ++server_.reports_ended;
-    --server_.reports_running;
-  }
-  Running(const Running&) = delete;
-  Running& operator=(const Running&) = delete;
-
- private:
-  FootTouch_Server& server_;
 };
 
 grpc::Status FootTouch_Server::service_On(grpc::ServerContext* /*context*/,
@@ -282,7 +200,7 @@ grpc::Status FootTouch_Server::service_Off(grpc::ServerContext* /*context*/,
 
 grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& request,
                                       StatusResponse& response) {
-  const Running running(*this);
+  const RunningReports::One running(reports);
   const auto [call_back, data] = callback();
   if (!call_back) {
     logLine(Level::Error, event.site, "callback not set");

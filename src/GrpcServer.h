@@ -7,7 +7,6 @@
 #include <grpcpp/channel.h>
 #include <grpcpp/server.h>
 
-#include <atomic>
 #include <functional>
 #include <future>
 #include <memory>
@@ -19,6 +18,7 @@
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "Quarlo_TV_Server.grpc.pb.h"
+#include "RunningReports.h"
 #include "murlink_robot.h"
 
 // The display side, as host:port. Never destroyed: another thread may initialise foot touch while
@@ -67,7 +67,6 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   struct Event;
-  class [[gnu::visibility("hidden")]] Running;
 
   std::string server_address;
   std::unique_ptr<std::thread> server_thread;
@@ -84,11 +83,8 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
   std::future<void> server_settled;
   std::future<void> server_left;
 
-  std::atomic<int> reports_running{0};
-  std::atomic<unsigned> reports_ended{0};
+  RunningReports reports;
 
-  [[gnu::visibility("hidden")]] void shut_down();
-  [[gnu::visibility("hidden")]] void cut_off_the_silent(const std::future<void>& done);
   [[gnu::visibility("hidden")]] void serve(std::promise<void> settled, std::promise<void> left);
   [[gnu::visibility("hidden")]] std::pair<ButtonCallback, void*> callback();
   [[gnu::visibility("hidden")]] grpc::Status report(const Event& event, const IntMessage& request,

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+// The reports of presses that are being handled, and the end of their server.
+#ifndef MURLINK_RUNNING_REPORTS_H
+#define MURLINK_RUNNING_REPORTS_H
+
+#include <grpcpp/server.h>
+
+#include <atomic>
+#include <future>
+
+// Any thread may use it.
+class RunningReports {
+ public:
+  // A report counts as running while this lives, even when its callback throws.
+  class One {
+   public:
+    explicit One(RunningReports& reports) : reports_(reports) { ++reports_.running_; }
+    ~One() {
+      ++reports_.ended_;
+      --reports_.running_;
+    }
+    One(const One&) = delete;
+    One& operator=(const One&) = delete;
+
+   private:
+    RunningReports& reports_;
+  };
+
+  // Waits for running reports without limit. A client that has begun a call and says no more, or does
+  // not take leave, would be waited for as well, some for ever: it is cut off after 1 to 2 s.
+  void shutDown(grpc::Server& server);
+
+ private:
+  std::atomic<int> running_{0};
+  std::atomic<unsigned> ended_{0};
+
+  void cutOffTheSilent(grpc::Server& server, const std::future<void>& done);
+};
+
+#endif
