@@ -116,6 +116,10 @@ SimulatorProcess::Json SimulatorProcess::waitForEvent(
 
 void SimulatorProcess::signal(int number) const {
   ::kill(process_, number);
+  if (number == SIGSTOP) {
+    // One of its threads may go on for a moment, and answer a call.
+    waitpid(process_, nullptr, WUNTRACED);
+  }
 }
 
 int SimulatorProcess::end() {

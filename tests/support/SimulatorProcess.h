@@ -44,6 +44,7 @@ class SimulatorProcess {
   // The first event that `wanted` accepts, now or within 10 s.
   Json waitForEvent(const std::function<bool(const Json&)>& wanted);
 
+  // After SIGSTOP it has stopped.
   void signal(int number) const;
   // Closes its input and waits for its end; returns how a shell shows that.
   int end();
