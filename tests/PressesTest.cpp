@@ -3,28 +3,21 @@
 // callback changes. The wording of a single one is covered by ButtonEventTest.
 #include <gmock/gmock.h>
 
+#include <array>
 #include <atomic>
 #include <future>
 #include <map>
-#include <memory>
 #include <set>
 #include <thread>
 
 #include "support/PlatformCapture.h"
+#include "support/RecogniserProcess.h"
 #include "support/RunningFootTouch.h"
 
 namespace {
 
 using ::testing::ElementsAre;
 using Json = SimulatorProcess::Json;
-
-// A recogniser in a process of its own.
-std::unique_ptr<SimulatorProcess> recogniser() {
-  auto process = std::make_unique<SimulatorProcess>(
-      std::vector<std::string>{"--robot", "off", "--display", "off"});
-  process->command("callback " MURLINK_DISPLAY_HOST ":26711");
-  return process;
-}
 
 class Presses : public RunningFootTouch {};
 
@@ -72,13 +65,12 @@ TEST_F(Presses, AreDeliveredEvenBeforeRecognitionStarts) {
 
 TEST_F(Presses, OfFourRecognisersAreDeliveredOnceEach) {
   constexpr int kEach = 2000;
-  std::vector<std::unique_ptr<SimulatorProcess>> recognisers;
+  std::array<RecogniserProcess, 4> recognisers;
   std::vector<std::future<void>> walks;
   for (int id = 1; id <= 4; ++id) {
-    recognisers.push_back(recogniser());
-    walks.push_back(std::async(std::launch::async, [&process = *recognisers.back(), id] {
-      const std::string tap = "tap " + std::to_string(id) + " --force";
-      process.command("repeat " + std::to_string(kEach / 2) + " " + tap);
+    walks.push_back(std::async(std::launch::async, [&recognisers, id] {
+      recognisers.at(static_cast<std::size_t>(id) - 1)
+          .command("repeat " + std::to_string(kEach / 2) + " tap " + std::to_string(id));
     }));
   }
   for (auto& walk : walks) {
@@ -110,8 +102,8 @@ TEST_F(Presses, MayRunTheCallbackTwiceAtOnce) {
         (id == 1 ? both->second : both->first).get_future().wait();
       },
       &meeting);
-  const auto other = recogniser();
-  auto pressing = std::async(std::launch::async, [&] { other->command("press 2 --force"); });
+  RecogniserProcess other;
+  auto pressing = std::async(std::launch::async, [&] { other.command("press 2"); });
 
   EXPECT_EQ(peers.command("press 1").at("s"), 0);
   pressing.get();
@@ -222,13 +214,12 @@ TEST_F(Presses, AreWaitedForAtTheEndEvenWhenTheirRecogniserIsDead) {
         static_cast<Gate*>(data)->go.get_future().wait();
       },
       &gate);
-  auto killed = recogniser();
-  auto pressing = std::async(std::launch::async, [&] {
-    EXPECT_THROW(killed->command("press 1 --force"), std::runtime_error);
-  });
+  RecogniserProcess killed;
+  auto pressing = std::async(std::launch::async,
+                             [&] { EXPECT_THROW(killed.command("press 1"), std::runtime_error); });
   gate.entered.get_future().wait();
-  killed->signal(SIGKILL);
-  killed->waitForEnd();
+  killed.signal(SIGKILL);
+  killed.waitForEnd();
   pressing.get();
   auto end = std::async(std::launch::async, foot_touch_finalize);
 

@@ -10,6 +10,7 @@
 
 #include "Endurance.h"
 #include "support/ChildProcess.h"
+#include "support/RecogniserProcess.h"
 #include "support/RowName.h"
 #include "support/RunningFootTouch.h"
 
@@ -26,9 +27,7 @@ struct Watched {
 
 class Callback : private Watched, public RunningFootTouch {
  protected:
-  SimulatorProcess recogniser{{"--quiet", "--robot", "off", "--display", "off"}};
-
-  Callback() { recogniser.command("callback " MURLINK_DISPLAY_HOST ":26711"); }
+  RecogniserProcess recogniser;
 };
 
 // ---- Throwing

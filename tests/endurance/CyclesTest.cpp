@@ -6,11 +6,10 @@
 #include <random>
 
 #include "Endurance.h"
+#include "Held.h"
 #include "murlink_robot.h"
 #include "support/PlatformCapture.h"
-#include "support/Resources.h"
 #include "support/SimulatorProcess.h"
-#include "support/Within.h"
 
 namespace {
 
@@ -40,9 +39,7 @@ TEST(FootTouchCycles, LeaveThreadsDescriptorsAndMemoryAsTheyWere) {
   for (int i = 0; i < 200; ++i) {
     cycle(someGap(random));  // gRPC's own pools fill up
   }
-  const long threads_before = threads();
-  const long descriptors_before = descriptors();
-  const long memory_before = residentKiB();
+  const Held before;
 
   for (int i = 0; i < cycles; ++i) {
     if (i % 100 == 0) {
@@ -52,14 +49,8 @@ TEST(FootTouchCycles, LeaveThreadsDescriptorsAndMemoryAsTheyWere) {
     ASSERT_FALSE(HasFailure()) << "cycle " << i;
   }
 
-  EXPECT_TRUE(within10s([&] { return threads() <= threads_before; }))
-      << threads_before << " threads became " << threads();
-  EXPECT_TRUE(within10s([&] { return descriptors() <= descriptors_before; }))
-      << descriptors_before << " descriptors became " << descriptors();
-  const long growth = residentKiB() - memory_before;
-  if (kMemoryIsOurs) {
-    EXPECT_LE(growth, 1024) << "KiB more";
-  }
+  before.expectBack();
+  const long growth = before.expectGrowthOfAtMost(1024);
   figure(
       "initialise and finalise, 0 to 5 ms between", cycles,
       "no hang; threads and descriptors as before; memory " + std::to_string(growth) + " KiB up");

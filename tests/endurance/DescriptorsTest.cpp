@@ -14,6 +14,7 @@
 #include "murlink_robot.h"
 #include "support/Listener.h"
 #include "support/PlatformCapture.h"
+#include "support/RecogniserProcess.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
@@ -74,8 +75,7 @@ int pressOf(SimulatorProcess& recogniser) {
 
 // By a recogniser that has not been connected before.
 int pressOfAnother() {
-  SimulatorProcess another({"--robot", "off", "--display", "off", "--quiet"});
-  another.command("callback " MURLINK_DISPLAY_HOST ":26711");
+  RecogniserProcess another;
   return pressOf(another);
 }
 

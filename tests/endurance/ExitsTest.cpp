@@ -8,12 +8,14 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <future>
 #include <system_error>
 
 #include "Endurance.h"
 #include "support/Conversation.h"
 #include "support/Listener.h"
+#include "support/RecogniserProcess.h"
 #include "support/Resources.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
@@ -58,21 +60,20 @@ class Pressed {
 
   void reset() {
     peers_.command("reset");
-    recogniser_.command("reset");
-    recogniser_.command("callback " MURLINK_DISPLAY_HOST ":26711");
+    recogniser_.reset();
   }
 
  private:
   SimulatorProcess peers_{{"--quiet"}};
-  SimulatorProcess recogniser_{{"--quiet", "--robot", "off", "--display", "off"}};
+  RecogniserProcess recogniser_;
 
   std::vector<std::future<void>> press() {
     peers_.command("wait program_run foot-touch");
     waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
     std::vector<std::future<void>> presses;
-    for (SimulatorProcess* const presser : {&peers_, &recogniser_}) {
+    for (SimulatorProcess& presser : {std::ref(peers_), std::ref<SimulatorProcess>(recogniser_)}) {
       presses.push_back(std::async(std::launch::async,
-                                   [presser] { presser->command("repeat 60 tap 1 --force"); }));
+                                   [&presser] { presser.command("repeat 60 tap 1 --force"); }));
     }
     return presses;
   }

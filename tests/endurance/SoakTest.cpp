@@ -10,11 +10,11 @@
 #include <memory>
 
 #include "Endurance.h"
+#include "Held.h"
 #include "murlink_robot.h"
 #include "support/Listener.h"
 #include "support/PressLog.h"
 #include "support/RecogniserProcess.h"
-#include "support/Resources.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
@@ -69,7 +69,7 @@ class BusyRecogniser {
     for (std::size_t round = 0; !stop_ && !::testing::Test::HasFailure(); ++round) {
       if (process_ == nullptr || restart_.exchange(false)) {
         process_ = nullptr;
-        process_ = std::make_unique<RecogniserProcess>(std::vector<std::string>{"--quiet"});
+        process_ = std::make_unique<RecogniserProcess>();
       }
       const std::size_t button = number_ * kButtonsEach + round % kButtonsEach;
       process_->command("repeat 25 tap " + std::to_string(button) + " 40ms");
@@ -176,20 +176,12 @@ class Soak : public ::testing::Test {
 TEST_F(Soak, LosesNoPressAndKeepsNothing) {
   const seconds duration = lasting(seconds(60));
   live(duration / 6, seconds(3));
-  const long threads_before = threads();
-  const long descriptors_before = descriptors();
-  const long memory_before = residentKiB();
+  const Held before;
 
   live(duration * 5 / 6, duration > seconds(60) ? seconds(30) : seconds(12));
 
-  EXPECT_TRUE(within10s([&] { return threads() <= threads_before; }))
-      << threads_before << " threads became " << threads();
-  EXPECT_TRUE(within10s([&] { return descriptors() <= descriptors_before; }))
-      << descriptors_before << " descriptors became " << descriptors();
-  const long growth = residentKiB() - memory_before;
-  if (kMemoryIsOurs) {
-    EXPECT_LE(growth, 1024) << "KiB more";
-  }
+  before.expectBack();
+  const long growth = before.expectGrowthOfAtMost(1024);
   figure("presses and releases of four recognisers in " + std::to_string(duration.count()) +
              " s, " + std::to_string(layouts) + " layouts, " + std::to_string(restarts) +
              " restarts of a peer",

@@ -5,10 +5,10 @@
 #include "SimulatorProcess.h"
 
 // A recogniser in a process of its own, that reports to the library whether recognition runs or not.
+// What it has reported is in its history alone.
 class RecogniserProcess : public SimulatorProcess {
  public:
-  explicit RecogniserProcess(const std::vector<std::string>& more_options = {})
-      : SimulatorProcess(options(more_options)) {
+  RecogniserProcess() : SimulatorProcess({"--quiet", "--robot", "off", "--display", "off"}) {
     aim();
   }
 
@@ -19,11 +19,6 @@ class RecogniserProcess : public SimulatorProcess {
   }
 
  private:
-  static std::vector<std::string> options(std::vector<std::string> more) {
-    more.insert(more.end(), {"--robot", "off", "--display", "off"});
-    return more;
-  }
-
   void aim() {
     command("callback " MURLINK_DISPLAY_HOST ":26711");
     command("set foot-touch running");
