@@ -91,7 +91,7 @@ class Peers : public ::testing::TestWithParam<Side> {
   std::unique_ptr<SimulatorProcess>& peer() {
     return &GetParam().rpc[0] == kRobot.rpc ? robot_ : display_;
   }
-  milliseconds upTo(int limit) { return milliseconds(random_() % limit); }
+  milliseconds upTo(unsigned limit) { return milliseconds(random_() % limit); }
 
   void killPeer() {
     peer()->signal(SIGKILL);
