@@ -69,6 +69,9 @@
  * For foot_touch_initialize() such a loop goes on with FOOT_TOUCH_ERROR_NOT_INITIALIZED as well:
  * that is its answer while the display cannot be reached.
  *
+ * When the robot's clock is set back, a call that nobody answers can last longer, by as much as the
+ * clock was set back: gRPC's own timers follow that clock. Setting it forward changes nothing.
+ *
  * gRPC honours the environment variables http_proxy, https_proxy and grpc_proxy even for addresses
  * on the robot: unset them, or name the addresses in no_proxy.
  *
