@@ -112,23 +112,24 @@ def suites_of(file):
 
 
 def batches(workshop, file):
-    """The numbers of the tests in three parts, those most likely to notice a mutant first."""
+    """The tests in three parts, those most likely to notice a mutant first: their numbers, and how
+    long they may take together before a mutant counts as noticed."""
     suites = suites_of(file)
-    parts = [[], [], []]
+    parts = [{}, {}, {}]
     for (number, name), duration in workshop.durations.items():
         is_near = not suites.isdisjoint(re.split(r"[/.]", name))
-        parts[2 if duration >= SLOW else 0 if is_near else 1].append(number)
-    return [part for part in parts if part]
+        parts[2 if duration >= SLOW else 0 if is_near else 1][number] = duration
+    return [(",".join(part), 30 + 5 * sum(part.values())) for part in parts if part]
 
 
 def judge(workshop, mutant):
     """What became of a mutant: a word, and who says so."""
     if workshop.build(*FIRST_TARGETS, limit=300) is None:
         return "not built", ""
-    for i, numbers in enumerate(batches(workshop, mutant.file)):
+    for i, (numbers, limit) in enumerate(batches(workshop, mutant.file)):
         if i == 1 and workshop.build(limit=300) is None:
             return "not built", ""
-        if workshop.test("--tests-information", "0,0,0," + ",".join(numbers), limit=600) is None:
+        if workshop.test("--tests-information", "0,0,0," + numbers, limit=limit) is None:
             return "killed", workshop.killer()
     return "survived", ""
 
