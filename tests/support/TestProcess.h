@@ -15,7 +15,7 @@ inline void prepareTestProcess() {
   }
   // A peer that has ended is an error to report, not the end of the tests.
   std::signal(SIGPIPE, SIG_IGN);
-  if (kHaveOwnNetworks) {
+  if constexpr (kHaveOwnNetworks) {
     enterOwnNetwork();
   }
 }
