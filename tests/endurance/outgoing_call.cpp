@@ -180,6 +180,7 @@ int run(const std::string& name, const std::string& fault, const Step& step) {
                                  [&](const OutgoingCall& one) { return name == one.name; });
   const auto peers = peersWith(fault, *call);
   if (call->needs_foot_touch && foot_touch_initialize() != 0) {
+    std::cerr << "foot touch did not start\n";
     return EXIT_FAILURE;
   }
   peers->misbehave(*call);
