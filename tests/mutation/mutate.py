@@ -29,6 +29,8 @@ ASK_FIRST = {
     "Log": ["LogTest", "CheckButtonsTest"],
     "RobotCall": ["RobotCallTest", "RobotCommandsTest"],
     "RobotChannel": ["RobotChannelTest", "OneChannelTest"],
+    "RunningReports": ["GrpcServerTest"],
+    "ServerSetup": ["GrpcServerTest"],
     "UnaryCall": ["RobotCommandsTest", "DisplaySyncTest"],
 }
 FIRST_TARGETS = ["InsideTests", "LibraryTests", "OneChannelTests"]
