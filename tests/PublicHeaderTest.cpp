@@ -72,13 +72,22 @@ struct Entry {
   std::string manual;
 };
 
+// The comment that `text` ends with, white space aside, or nothing.
+std::string commentAtEndOf(const std::string& text) {
+  const auto last = text.find_last_not_of(" \n");
+  if (last == std::string::npos || last == 0 || text.compare(last - 1, 2, "*/") != 0) {
+    return "";
+  }
+  return text.substr(text.rfind("/**", last));
+}
+
+// `declaration`, a regular expression, captures the name and begins a line.
 std::vector<Entry> entries(const std::string& declaration) {
-  // A comment, nothing but white space, and the declaration with its name.
-  const std::regex entry(R"((/\*\*(?:[^*]|\*(?!/))*\*/)?\s*\n\s*)" + declaration);
+  const std::regex line("\\n *" + declaration);
   const std::string text = header();
   std::vector<Entry> found;
-  for (std::sregex_iterator match(text.begin(), text.end(), entry), end; match != end; ++match) {
-    found.push_back({(*match)[2], (*match)[1]});
+  for (std::sregex_iterator match(text.begin(), text.end(), line), end; match != end; ++match) {
+    found.push_back({(*match)[1], commentAtEndOf(match->prefix())});
   }
   return found;
 }

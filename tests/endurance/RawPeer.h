@@ -36,8 +36,8 @@ class RawPeer : private grpc::CallbackGenericService {
  private:
   class Call : public grpc::ServerGenericBidiReactor {
    public:
-    Call(grpc::ByteBuffer answer, std::mutex& creation)
-        : answer_(std::move(answer)), creation_(creation) {
+    explicit Call(grpc::ByteBuffer answer) : answer_(std::move(answer)) {
+      const std::lock_guard<std::mutex> lock(creation_);
       StartRead(&request_);
     }
 
@@ -53,7 +53,8 @@ class RawPeer : private grpc::CallbackGenericService {
    private:
     grpc::ByteBuffer request_;
     grpc::ByteBuffer answer_;
-    std::mutex& creation_;
+
+    inline static std::mutex creation_;
   };
 
   std::mutex mutex_;
@@ -68,7 +69,7 @@ class RawPeer : private grpc::CallbackGenericService {
   grpc::ServerGenericBidiReactor* CreateReactor(
       grpc::GenericCallbackServerContext* /*context*/) override {
     const std::lock_guard<std::mutex> lock(mutex_);
-    return new Call(answer_, mutex_);
+    return new Call(answer_);
   }
 };
 
