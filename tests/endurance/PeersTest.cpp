@@ -117,11 +117,12 @@ class Peers : public ::testing::TestWithParam<Side> {
     } while (steady_clock::now() < end);
   }
 
+  // A call that begins later than `limit` must succeed.
   static milliseconds untilItSucceeds(milliseconds limit) {
     const auto start = steady_clock::now();
-    while (!succeeds()) {
-      if (since(start) > limit) {
-        ADD_FAILURE() << "still out of reach after " << since(start).count() << " ms";
+    for (milliseconds begun{0}; !succeeds(); begun = since(start)) {
+      if (begun > limit) {
+        ADD_FAILURE() << "still out of reach after " << begun.count() << " ms";
         break;
       }
       std::this_thread::sleep_for(milliseconds(5));
