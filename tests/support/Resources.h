@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 
 inline long entriesOf(const char* folder) {
   const std::filesystem::directory_iterator all(folder);
@@ -15,6 +16,11 @@ inline long entriesOf(const char* folder) {
 
 inline long threads() {
   return entriesOf("/proc/self/task");
+}
+
+// Under load gRPC starts a thread for each core, for its own work, and keeps it.
+inline long threadsThatGrpcKeeps() {
+  return std::thread::hardware_concurrency();
 }
 
 inline long descriptors() {
