@@ -157,7 +157,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"EndlessHeaders", "headers of 8 MiB", continueHeadersForever, 5, 500},
         Row{"RapidReset", "calls reset at once", resetStreamsAtOnce, 10'000, 50'000},
         Row{"OpenStreams", "calls that say nothing", keepStreamsOpen, 10'000, 50'000},
-        Row{"Flood", "pings and settings", flood, 50'000, 1'000'000}),
+        Row{"Flood", "pings and settings", flood, 50'000, 500'000}),
     rowName<Row>);
 
 // ---- At the end
@@ -179,7 +179,7 @@ TEST_P(HalfSaid, DoesNotKeepFinaliseWaiting) {
 
   const auto took =
       std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
-  EXPECT_LT(took, seconds(10));
+  EXPECT_LT(took, seconds(4));  // the server would close some of them by itself after 5 s
   figure(std::string("finalise while a client holds ") + GetParam().name, 10,
          std::to_string(took.count()) + " ms");
 }
