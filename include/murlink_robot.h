@@ -49,6 +49,9 @@
  * #foot_touch_error or #gesture_recognition_error, two sets that share no meaning beyond 0. Each
  * outcome is also written to the robot's log with the tag "murlink".
  *
+ * Without memory, or without a thread to listen with, a C++ exception leaves the function, and ends
+ * a program that is written in C. The next call works.
+ *
  *
  * Waiting
  *
@@ -100,8 +103,8 @@
  * foot_touch_finalize() before. The robot's service stays on, see foot_touch_initialize().
  *
  * A program that is started by fork() and exec gets none of the library's connections. A child that
- * does not exec must not call the library, whose functions may never return in it; as long as it
- * lives, no other process can listen for presses.
+ * does not exec must not call the library, whose functions may never return in it, and has to leave
+ * by _exit(); as long as it lives, no other process can listen for presses.
  */
 #ifndef MURLINK_ROBOT_H
 #define MURLINK_ROBOT_H
@@ -279,7 +282,8 @@ typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
  *
  * @return #FOOT_TOUCH_ERROR_NONE                 foot touch is on
  *         #FOOT_TOUCH_ERROR_ALREADY_INITIALIZED  the robot's service was on before, perhaps because
- *                                                an application ended without finalising. Foot
+ *                                                an application ended without finalising, or a
+ *                                                call before this one had timed out. Foot
  *                                                touch is not initialised in this process until
  *                                                the robot has switched its service off
  *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED      the display could not be told; call again
@@ -303,11 +307,13 @@ int foot_touch_initialize(void);
  * unless it returned because foot touch was not initialised.
  *
  * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
- * foot_touch_initialize() would do nothing: call this function again after a pause.
+ * foot_touch_initialize() would do nothing: call this function again after a pause. That does not
+ * help when the robot's service is off already, as after a restart of the robot's side: foot touch
+ * is to be had again only once the service is on again, or in another process.
  *
  * @return #FOOT_TOUCH_ERROR_NONE               foot touch is off
  *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    it was not on, here or on the robot; in the latter
- *                                              case this counts as a failure, as above
+ *                                              case it counts as on here, as above
  *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer in time; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature

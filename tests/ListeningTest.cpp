@@ -22,6 +22,14 @@ TEST_F(RunningFootTouch, ListensOnItsOneAddressAndOnNoOther) {
   EXPECT_EQ(listening(), MURLINK_DISPLAY_HOST ":26711\n");
 }
 
+TEST(Gestures, ListenOnNothing) {
+  const SimulatorProcess peers({"--quiet"});
+  ASSERT_EQ(gesture_recognition_initialize(), 0);
+  ASSERT_EQ(start_gesture_recognition(), 0);
+
+  EXPECT_EQ(listening(), "");
+}
+
 TEST_F(RunningFootTouch, ListensOnNothingOnceItIsFinalised) {
   foot_touch_finalize();
 
