@@ -106,6 +106,7 @@ TEST(PressPort, IsNeverSharedWithAnotherApplication) {
     {
       Conversation other({"env", "MURLINK_LOG=silent", FOOT_TOUCH_EXAMPLE});
       other.waitFor("Press Enter to end.");
+      waitUntilListening(MURLINK_DISPLAY_HOST, kPort);  // it need not be so far yet
       peers.command("set foot-touch off");
       startInVain();
       EXPECT_EQ(peers.command("press 1 --force").value("s", -1), 0);
