@@ -9,13 +9,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <vector>
 
+#include "support/OwnFolder.h"
 #include "support/PlatformProbe.h"
 
 namespace {
@@ -99,16 +99,10 @@ TEST(WrongMurlinkLog, IsWarnedAboutOnceAmongThreads) {
   EXPECT_EQ(std::count_if(all.begin(), all.end(), isWarning), 1);
 }
 
-// A path where no file is yet; whatever is there in the end is removed.
+// A path where no file is yet.
 class LogFile : public ::testing::Test {
  protected:
-  LogFile() {
-    std::string name = ::testing::TempDir() + "murlink-log-XXXXXX";
-    folder_ = mkdtemp(name.data());
-  }
-  ~LogFile() override { std::filesystem::remove_all(folder_); }
-
-  std::string path() const { return folder_ / "log"; }
+  std::string path() const { return folder_.path("log"); }
   Environment environment() const { return {{"MURLINK_LOG_FILE", path()}}; }
   std::string text() const {
     std::ifstream stream(path());
@@ -116,7 +110,7 @@ class LogFile : public ::testing::Test {
   }
 
  private:
-  std::filesystem::path folder_;
+  OwnFolder folder_;
 };
 
 TEST_F(LogFile, GetsTheLinesInsteadOfStandardError) {

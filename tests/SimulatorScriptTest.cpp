@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
 #include <future>
 
 #include "support/ChildProcess.h"
+#include "support/OwnFolder.h"
 #include "support/RowName.h"
 #include "support/SimulatorClient.h"
 #include "support/SimulatorProcess.h"
@@ -207,11 +207,11 @@ TEST_F(Script, RepeatsACommand) {
 // ---- Files
 
 TEST(ScriptFile, DecidesTheExitCode) {
-  const std::string path = ::testing::TempDir() + "simulator_script_exit_code";
+  const OwnFolder folder;
   for (const auto& [script, exit_code] :
        {std::pair("expect calls 0\n", 0), std::pair("expect calls 1\nexpect calls 0\n", 3)}) {
-    std::ofstream(path) << script;
-    EXPECT_EQ(runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", path},
+    EXPECT_EQ(runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script",
+                        folder.file("script", script)},
                        {}, seconds(10))
                   .exit_code,
               exit_code);
@@ -219,11 +219,13 @@ TEST(ScriptFile, DecidesTheExitCode) {
 }
 
 TEST(ScriptFile, ShowsTheHistoryALineAnEvent) {
-  const std::string path = ::testing::TempDir() + "simulator_script_history";
-  std::ofstream(path) << "callback 127.0.0.1:1\ntap 5 --force\nlayout\nhistory\n";
+  const OwnFolder folder;
+  const std::string script =
+      folder.file("script", "callback 127.0.0.1:1\ntap 5 --force\nlayout\nhistory\n");
 
-  const Finished finished = runToEnd(
-      {MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", path}, {}, seconds(10));
+  const Finished finished =
+      runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", script}, {},
+               seconds(10));
 
   EXPECT_THAT(finished.out,
               ::testing::MatchesRegex("ok 127\\.0\\.0\\.1:1\n"

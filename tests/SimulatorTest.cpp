@@ -6,12 +6,12 @@
 #include <sys/socket.h>
 
 #include <csignal>
-#include <fstream>
 #include <future>
 
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
 #include "support/ChildProcess.h"
+#include "support/OwnFolder.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 
@@ -33,9 +33,9 @@ Finished simulator(std::vector<std::string> options) {
 
 // A simulator on a free port that carries out a script and ends.
 Finished scripted(const std::string& script) {
-  const std::string path = ::testing::TempDir() + "simulator_script";
-  std::ofstream(path) << script;
-  return simulator({"--robot", "127.0.0.1:0", "--display", "off", "--script", path});
+  const OwnFolder folder;
+  return simulator(
+      {"--robot", "127.0.0.1:0", "--display", "off", "--script", folder.file("script", script)});
 }
 
 // ---- Language
