@@ -15,19 +15,19 @@ namespace {
 // NaN passes: every comparison with it is false.
 bool isValid(const button& one, const CallSite& site) {
   if (one.id < 0) {
-    logLine(Level::Error, site, "Invalid id, id[%d] is negative", one.id);
+    LOG_AT(Level::Error, site, "Invalid id, id[%d] is negative", one.id);
     return false;
   }
   if (one.start > one.end) {
-    logLine(Level::Error, site, "Invalid start & end, button id:[%d], start: %.3f, end: %.3f",
-            one.id, one.start, one.end);
+    LOG_AT(Level::Error, site, "Invalid start & end, button id:[%d], start: %.3f, end: %.3f",
+           one.id, one.start, one.end);
     return false;
   }
   if (one.start < 0.0F || one.start > 1.0F || one.end > 1.0F || one.end < 0.0F) {
-    logLine(Level::Error, site,
-            "Invalid start or end, start or end out of range [0,1] button id:[%d], start: %.3f, "
-            "end: %.3f",
-            one.id, one.start, one.end);
+    LOG_AT(Level::Error, site,
+           "Invalid start or end, start or end out of range [0,1] button id:[%d], start: %.3f, "
+           "end: %.3f",
+           one.id, one.start, one.end);
     return false;
   }
   return true;
@@ -44,14 +44,14 @@ bool overlap(const button& a, const button& b) {
 // Two buttons of the same id may overlap: the repeated id is only reported.
 bool areApart(const button& a, const button& b, const CallSite& site) {
   if (a.id == b.id) {
-    logLine(Level::Error, site, "Duplicate id found, id %d", a.id);
+    LOG_AT(Level::Error, site, "Duplicate id found, id %d", a.id);
     return true;
   }
   if (overlap(a, b)) {
-    logLine(Level::Error, site,
-            "Overlapping buttons detected, button id:[%d], start: %.3f, end: %.3f & button "
-            "id:[%d], start: %.3f, end: %.3f ",
-            a.id, a.start, a.end, b.id, b.start, b.end);
+    LOG_AT(Level::Error, site,
+           "Overlapping buttons detected, button id:[%d], start: %.3f, end: %.3f & button "
+           "id:[%d], start: %.3f, end: %.3f ",
+           a.id, a.start, a.end, b.id, b.start, b.end);
     return false;
   }
   return true;

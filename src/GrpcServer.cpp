@@ -179,9 +179,9 @@ void FootTouch_Server::terminate_server() {
 struct FootTouch_Server::Event {
   int state;
   CallSite site;
-  const char* begin;
-  const char* request;
-  const char* done;
+  LogText begin;
+  LogText request;
+  LogText done;
 };
 
 grpc::Status FootTouch_Server::service_On(grpc::ServerContext* /*context*/,
@@ -207,11 +207,11 @@ grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& requ
     response.set_s(kCallbackNotSet);
     return grpc::Status::OK;
   }
-  logLine(Level::Info, event.site, "%s", event.begin);
+  logLine(Level::Info, event.site, event.begin);
   logLine(Level::Info, event.site, event.request, request.x());
   call_back(request.x(), event.state, data);
   response.set_s(0);
-  logLine(Level::Info, event.site, "%s", event.done);
+  logLine(Level::Info, event.site, event.done);
   return grpc::Status::OK;
 }
 

@@ -6,7 +6,7 @@
 #ifndef MURLINK_LOG_H
 #define MURLINK_LOG_H
 
-#include <string_view>
+#include <cstddef>
 
 #include "murlink_platform.h"
 
@@ -19,21 +19,55 @@ struct CallSite {
   int line;
 };
 
-constexpr const char* baseName(std::string_view path) {
-  const auto slash = path.rfind('/');
-  return path.data() + (slash == std::string_view::npos ? 0 : slash + 1);
-}
-
-#define HERE                               \
-  CallSite {                               \
-    baseName(__FILE__), __func__, __LINE__ \
+#define HERE                          \
+  CallSite {                          \
+    __FILE_NAME__, __func__, __LINE__ \
   }
 
-#define LOG_INFO(...) logLine(Level::Info, HERE, __VA_ARGS__)
-#define LOG_ERROR(...) logLine(Level::Error, HERE, __VA_ARGS__)
+// A printf format without prefix and newline. Made of literals alone, so that its length is known.
+struct LogText {
+  static constexpr std::size_t kLongest = 200;
 
-// Logs `body`, a printf format without prefix and newline, of which 1023 characters are shown.
-[[gnu::format(printf, 3, 4)]] void logLine(Level level, const CallSite& site, const char* body,
-                                           ...);
+  template <std::size_t Size>
+  // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions): stands for the literal
+  constexpr LogText(const char (&literal)[Size]) : text(literal), length(Size - 1) {
+    static_assert(Size - 1 <= kLongest);
+  }
+
+  const char* text;
+  std::size_t length;
+};
+
+// The whole line as one format, for the platform to fill in: so it is formatted once, and not at all
+// where nobody will see it.
+class LineFormat {
+ public:
+  LineFormat(Level level, const LogText& body);
+
+  const char* text() const { return text_; }
+
+ private:
+  char text_[LogText::kLongest + 32];
+};
+
+inline constexpr char kLogTag[] = "murlink";
+
+template <typename... Arguments>
+void logLine(Level level, const CallSite& site, const LogText& body, Arguments... arguments) {
+  dlog_print(static_cast<int>(level), kLogTag, LineFormat(level, body).text(), site.file,
+             site.function, site.line, arguments...);
+}
+
+// Not defined: lets the compiler compare a format with its arguments.
+[[gnu::format(printf, 1, 2)]] int checkedFormat(const char* body, ...);
+
+#define LOG_AT(level, site, ...)                           \
+  do {                                                     \
+    static_cast<void>(sizeof(checkedFormat(__VA_ARGS__))); \
+    logLine(level, site, __VA_ARGS__);                     \
+  } while (false)
+
+#define LOG_INFO(...) LOG_AT(Level::Info, HERE, __VA_ARGS__)
+#define LOG_ERROR(...) LOG_AT(Level::Error, HERE, __VA_ARGS__)
 
 #endif

@@ -18,7 +18,7 @@ enum Selector { kSelectGestureRecognition = 1, kSelectFootTouch = 2 };
 // not show it.
 struct Verdict {
   Level level;
-  const char* text;
+  LogText text;
   int result;
 };
 

@@ -58,19 +58,27 @@ TEST(LogLines, ShowAnEmptyTextAsNothing) {
   EXPECT_THAT(log.lines(), ElementsAre(LogLine{4, "murlink", "a.cpp: f(#) > \n", {}}));
 }
 
-TEST(LogLines, EndAfter1023Characters) {
+TEST(LogLines, KeepLongArgumentsWhole) {
   const LogCapture log;
+  const std::string text(3000, 'x');
 
-  logLine(Level::Info, {"a.cpp", "f", 1}, "%s", std::string(3000, 'x').c_str());
+  LOG_INFO("%s", text.c_str());
 
-  EXPECT_THAT(
-      log.lines(),
-      ElementsAre(LogLine{4, "murlink", "a.cpp: f(#) > " + std::string(1023, 'x') + "\n", {}}));
+  EXPECT_THAT(log.lines(),
+              ElementsAre(LogLine{4, "murlink", "LogTest.cpp: TestBody(#) > " + text + "\n", {}}));
 }
 
-TEST(BaseName, IsWhatFollowsTheLastSlash) {
-  EXPECT_STREQ(baseName("/a/b/c.cpp"), "c.cpp");
-  EXPECT_STREQ(baseName("c.cpp"), "c.cpp");
+#define TWENTY "12345678901234567890"
+#define LONGEST TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY
+
+TEST(LogLines, KeepTheLongestTextWhole) {
+  static_assert(sizeof LONGEST - 1 == LogText::kLongest);
+  const LogCapture log;
+
+  LOG_ERROR(LONGEST);
+
+  EXPECT_THAT(log.lines(),
+              ElementsAre(LogLine{6, "murlink", "LogTest.cpp : TestBody(#) > " LONGEST "\n", {}}));
 }
 
 }  // namespace
