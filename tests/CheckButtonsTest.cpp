@@ -106,6 +106,10 @@ INSTANTIATE_TEST_SUITE_P(
     OfSeveral, CheckedLayout,
     ::testing::Values(
         Layout{"Touching", {{1, 0, 0.5F}, {2, 0.5F, 1}}, true, {}},
+        Layout{"ApartByLessThanARoundingError",
+               {{1, 0.215363294F, 0.800659657F}, {2, 0.800659716F, 0.919407547F}},
+               false,
+               {overlapping(range("1", "0.215", "0.801"), range("2", "0.801", "0.919"))}},
         Layout{"TouchingBackwards", {{1, 0.5F, 1}, {2, 0, 0.5F}}, true, {}},
         Layout{"Overlapping",
                {{1, 0, 0.5F}, {2, 0.4F, 1}},
