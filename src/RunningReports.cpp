@@ -3,13 +3,17 @@
 
 #include <grpc/grpc.h>
 
-#include <chrono>
+#include <algorithm>
 #include <exception>
 
 namespace {
 
-// How long clients have to take the last answer and to say goodbye.
+// How long a client has to take its answer.
 constexpr std::chrono::seconds kFarewell{1};
+
+// How long one without an answer to take has to say goodbye. Few do, unless they have other calls:
+// gRPC looks at an idle connection every few seconds.
+constexpr std::chrono::milliseconds kGoodbye{1};
 
 }  // namespace
 
@@ -30,14 +34,21 @@ void RunningReports::shutDown(grpc::Server& server) {
 // On a thread of its own, beside Shutdown(), which lets in no further press. So nothing is lost once
 // all callbacks have returned and their answers have had their time.
 void RunningReports::cutOffTheSilent(grpc::Server& server, const std::future<void>& done) {
-  unsigned ended_before = ended_;
-  while (done.wait_for(kFarewell) == std::future_status::timeout) {
-    // In this order: a report that ends in between has its answer still to send.
-    const bool none_runs = running_ == 0;
-    const unsigned ended = ended_;
-    if (none_runs && ended == ended_before) {
+  Clock::duration pause = kGoodbye;
+  while (done.wait_for(pause) == std::future_status::timeout) {
+    pause = untilQuiet();
+    if (pause <= Clock::duration::zero()) {
       grpc_server_cancel_all_calls(server.c_server());
+      pause = kFarewell;
     }
-    ended_before = ended;
   }
+}
+
+// How long it takes until all reports have ended and their answers have had their time, if no other
+// begins.
+RunningReports::Clock::duration RunningReports::untilQuiet() const {
+  // In this order: a report that ends in between has its answer still to send.
+  const bool one_runs = running_ != 0;
+  const Clock::time_point quiet = last_end_.load() + kFarewell;
+  return one_runs ? Clock::duration(kFarewell) : quiet - Clock::now();
 }

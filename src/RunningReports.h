@@ -6,6 +6,7 @@
 #include <grpcpp/server.h>
 
 #include <atomic>
+#include <chrono>
 #include <future>
 
 // Any thread may use it.
@@ -16,7 +17,7 @@ class RunningReports {
    public:
     explicit One(RunningReports& reports) : reports_(reports) { ++reports_.running_; }
     ~One() {
-      ++reports_.ended_;
+      reports_.last_end_ = Clock::now();
       --reports_.running_;
     }
     One(const One&) = delete;
@@ -27,14 +28,18 @@ class RunningReports {
   };
 
   // Waits for running reports without limit. A client that has begun a call and says no more, or does
-  // not take leave, would be waited for as well, some for ever: it is cut off after 1 to 2 s.
+  // not take leave, would be waited for as well, some for ever: it is cut off, as soon as no report
+  // has run for a second.
   void shutDown(grpc::Server& server);
 
  private:
+  using Clock = std::chrono::steady_clock;
+
   std::atomic<int> running_{0};
-  std::atomic<unsigned> ended_{0};
+  std::atomic<Clock::time_point> last_end_{Clock::time_point()};
 
   void cutOffTheSilent(grpc::Server& server, const std::future<void>& done);
+  Clock::duration untilQuiet() const;
 };
 
 #endif
