@@ -61,7 +61,7 @@ bool areApart(const button& a, const button& b, const CallSite& site) {
 // most. A NaN changes nothing, since it overlaps with nothing.
 bool clearlyApart(const button& a, const button& b) {
   constexpr float kClear = 1e-6F;
-  return std::max(b.start - a.end, a.start - b.end) > kClear;
+  return std::max(b.start - (a.end + kClear), (a.start - kClear) - b.end) > 0;
 }
 
 // Whether a button goes with those that follow it. There are many pairs, and nearly all of them can be
