@@ -11,9 +11,9 @@ namespace {
 // How long a client has to take its answer.
 constexpr std::chrono::seconds kFarewell{1};
 
-// How long one without an answer to take has to say goodbye. Few do, unless they have other calls:
-// gRPC looks at an idle connection every few seconds.
-constexpr std::chrono::milliseconds kGoodbye{1};
+// How long one without an answer to take has to say goodbye, and a press that has just come to begin.
+// Few say it, unless they have other calls: gRPC looks at an idle connection every few seconds.
+constexpr std::chrono::microseconds kGoodbye{200};
 
 }  // namespace
 
