@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+// How long it takes to check a layout, beside a plain double loop over its pairs that applies the same
+// rules.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "FootTouchAPI.h"
+#include "Layout.h"
+#include "murlink_platform.h"
+
+namespace {
+
+bool isValid(const button& one) {
+  return one.id >= 0 && !(one.start > one.end) && !(one.start < 0.0F) && !(one.start > 1.0F) &&
+         !(one.end > 1.0F) && !(one.end < 0.0F);
+}
+
+void log(int priority, const char* text, int id) {
+  char body[1024];
+  std::snprintf(body, sizeof body, text, id);
+  dlog_print(priority, "murlink", "%s: %s(%d) > %s\n", "layout_check.cpp", "plainCheck", 0, body);
+}
+
+bool plainCheck(const button* buttons, int count) {
+  log(DLOG_INFO, "check", 0);
+  for (int i = 0; i < count; ++i) {
+    if (!isValid(buttons[i])) {
+      return false;
+    }
+  }
+  for (int a = 0; a < count; ++a) {
+    for (int b = a + 1; b < count; ++b) {
+      if (buttons[a].id == buttons[b].id) {
+        log(DLOG_ERROR, "repeated id %d", buttons[a].id);
+        continue;
+      }
+      const float sum = ((buttons[a].end - buttons[a].start) + buttons[b].end) - buttons[b].start;
+      const float span =
+          std::max(buttons[a].end, buttons[b].end) - std::min(buttons[a].start, buttons[b].start);
+      if (sum > span) {
+        log(DLOG_ERROR, "overlapping %d", buttons[a].id);
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+using Check = bool (*)(const button*, int);
+
+void checkLayout(benchmark::State& state, Check check) {
+  const auto count = static_cast<int>(state.range(0));
+  const std::vector<button> layout = bench::evenLayout(count);
+  for (auto _ : state) {
+    if (!check(layout.data(), count)) {
+      state.SkipWithError("the layout was refused");
+    }
+  }
+  state.SetItemsProcessed(state.iterations() * count * (count - 1) / 2);  // pairs
+}
+
+void sizes(benchmark::internal::Benchmark* benchmark) {
+  benchmark->Arg(10)->Arg(100)->Arg(1000)->Arg(10000);
+}
+
+}  // namespace
+
+BENCHMARK_CAPTURE(checkLayout, library, &check_buttons)->Apply(sizes);
+BENCHMARK_CAPTURE(checkLayout, plain, &plainCheck)->Apply(sizes);
+BENCHMARK_MAIN();

@@ -1,0 +1,62 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Usage: scripts/bench [--quick]
+Measures what the library costs beside bare gRPC, in turn and on one processor, and prints a table;
+build/bench/ then holds it as results.json, and plots. With --quick it only shows that everything
+runs: its figures mean nothing. The exit code tells of failures, never of figures."""
+import json
+import platform
+import subprocess
+import sys
+import time
+from types import SimpleNamespace
+
+import calls
+import presses
+import report
+import weight
+from processes import Failure, Programs
+
+QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts, calls.checks,
+             weight.loading, weight.starting, weight.stripped_size, weight.instructions)
+
+# How often things are done. Rounds have one of each side.
+THOROUGH = SimpleNamespace(
+    rounds=40, few=5, starts=25, presses=700, sleeps=40, checks=15, check_s=0.05,
+    layouts={10: 1000, 1000: 300, 100000: 15}, profiled=(200, 1200),
+    rates=(250, 500, 1000, 2000, 3000, 4000, 5000, 6000, 7000, 8000), load_s=0.7)
+QUICK = SimpleNamespace(
+    rounds=1, few=1, starts=1, presses=50, sleeps=3, checks=1, check_s=0.001,
+    layouts={10: 10, 1000: 5, 100000: 2}, profiled=(5, 25), rates=(250, 500), load_s=0.1)
+
+
+def machine():
+    """What the figures depend on."""
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        model = next((line.split(":")[1].strip() for line in file if "model name" in line), "unknown")
+    grpc = subprocess.run(["pkg-config", "--modversion", "grpc++", "protobuf"], check=True,
+                          capture_output=True, text=True).stdout.split()
+    return {"processor": model, "kernel": platform.release(), "grpc": grpc[0], "protobuf": grpc[1],
+            "date": time.strftime("%Y-%m-%d")}
+
+
+def main(build, quick):
+    """Runs everything and reports."""
+    size = QUICK if quick else THOROUGH
+    programs = Programs(build)
+    figures = []
+    print(report.heading(), flush=True)
+    with programs.started("bare_peers", limit_s=3600) as peers:
+        peers.told()
+        for question in QUESTIONS:
+            for figure in question(programs, size):
+                figures.append(figure)
+                print(report.row(figure), flush=True)
+        load = presses.under_load(programs, size)
+    report.write(programs.build, machine(), figures, load)
+
+
+if __name__ == "__main__":
+    try:
+        main(sys.argv[1], "--quick" in sys.argv[2:])
+    except (Failure, subprocess.SubprocessError, OSError) as failure:
+        sys.exit(f"bench: {failure}")

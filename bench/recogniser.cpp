@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+// Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle]
+// Reports presses: M on each of N connections, after W that are not measured; one after the other, or R
+// a second in all, evenly. Tells how long they took: from the moment at which they were due, so that a
+// slow answer does not hide the wait of the next. With --idle it then stays connected until its input
+// ends.
+#include <grpcpp/create_channel.h>
+#include <pthread.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Clock.h"
+#include "Quarlo_RB_Server.grpc.pb.h"
+#include "Samples.h"
+#include "Stamp.h"
+
+namespace {
+
+using bench::Clock;
+using zet::protobuf::app::Quarlo_RB_GRPC;
+
+struct Options {
+  int clients = 1;
+  int presses = 1000;
+  int warm_up = 200;
+  double rate = 0;  // 0: as fast as they are answered
+  bool idle = false;
+};
+
+// One connection.
+class Client {
+ public:
+  Client() {
+    grpc::ChannelArguments own_connection;
+    own_connection.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
+    channel_ = grpc::CreateCustomChannel(BENCH_CALLBACK, grpc::InsecureChannelCredentials(),
+                                         own_connection);
+    stub_ = Quarlo_RB_GRPC::NewStub(channel_);
+    if (!channel_->WaitForConnected(std::chrono::system_clock::now() + std::chrono::seconds(30))) {
+      throw std::runtime_error("nobody listens on " BENCH_CALLBACK);
+    }
+  }
+
+  void press(int id) {
+    grpc::ClientContext context;
+    IntMessage request;
+    request.set_x(id);
+    StatusResponse response;
+    const grpc::Status status = stub_->service_On(&context, request, &response);
+    if (!status.ok() || response.s() != 0) {
+      throw std::runtime_error("a press failed: " + status.error_message());
+    }
+  }
+
+ private:
+  std::shared_ptr<grpc::Channel> channel_;
+  std::unique_ptr<Quarlo_RB_GRPC::Stub> stub_;
+};
+
+class Recogniser {
+ public:
+  explicit Recogniser(const Options& options)
+      : options_(options),
+        round_trips_(static_cast<std::size_t>(options.clients) *
+                     static_cast<std::size_t>(options.presses)),
+        clients_(static_cast<std::size_t>(options.clients)) {
+    pthread_barrier_init(&warm_, nullptr, static_cast<unsigned>(options.clients) + 1);
+  }
+  ~Recogniser() { pthread_barrier_destroy(&warm_); }
+  Recogniser(const Recogniser&) = delete;
+  Recogniser& operator=(const Recogniser&) = delete;
+
+  void run() {
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < clients_.size(); ++i) {
+      threads.emplace_back([this, i] { runClient(i); });
+    }
+    pthread_barrier_wait(&warm_);
+    const auto begin = Clock::now();
+    for (std::thread& thread : threads) {
+      thread.join();
+    }
+    const double seconds = static_cast<double>(bench::nanosecondsSince(begin)) / 1e9;
+    std::printf("{\"presses_per_s\": %.1f, \"p50_ns\": %ld, \"p99_ns\": %ld}\n",
+                static_cast<double>(round_trips_.count()) / seconds, round_trips_.quantile(0.5),
+                round_trips_.quantile(0.99));
+    std::fflush(stdout);
+  }
+
+ private:
+  const Options options_;
+  bench::Samples round_trips_;
+  std::vector<Client> clients_;
+  pthread_barrier_t warm_{};
+
+  void runClient(std::size_t index) {
+    Client& client = clients_[index];
+    for (int i = 0; i < options_.warm_up; ++i) {
+      client.press(bench::kNoStamp);
+    }
+    pthread_barrier_wait(&warm_);
+    if (options_.rate > 0) {
+      pressAtRate(client, index);
+    } else {
+      pressWithoutPause(client);
+    }
+  }
+
+  void pressWithoutPause(Client& client) {
+    for (int i = 0; i < options_.presses; ++i) {
+      const auto begin = Clock::now();
+      client.press(bench::stamp());
+      round_trips_.add(bench::nanosecondsSince(begin));
+    }
+  }
+
+  // The clients take turns.
+  void pressAtRate(Client& client, std::size_t index) {
+    const std::chrono::duration<double> gap(1 / options_.rate);
+    const auto begin = Clock::now();
+    for (int i = 0; i < options_.presses; ++i) {
+      const auto turn = static_cast<double>(i * options_.clients) + static_cast<double>(index);
+      const auto due = begin + std::chrono::duration_cast<Clock::duration>(gap * turn);
+      std::this_thread::sleep_until(due);
+      client.press(bench::stamp());
+      round_trips_.add(bench::nanosecondsSince(due));
+    }
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    Options options;
+    CLI::App app("Reports presses to the callback server.", "recogniser");
+    app.add_option("--clients", options.clients)->check(CLI::PositiveNumber);
+    app.add_option("--presses", options.presses)->check(CLI::PositiveNumber);
+    app.add_option("--warm-up", options.warm_up)->check(CLI::NonNegativeNumber);
+    app.add_option("--rate", options.rate)->check(CLI::NonNegativeNumber);
+    app.add_flag("--idle", options.idle);
+    CLI11_PARSE(app, argc, argv);
+    Recogniser recogniser(options);
+    recogniser.run();
+    if (options.idle) {
+      std::cin.get();  // ends with the input
+    }
+  } catch (const std::exception& error) {
+    std::cerr << "recogniser: " << error.what() << "\n";
+    return 1;
+  }
+  return 0;
+}
