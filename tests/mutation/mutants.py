@@ -133,7 +133,7 @@ def statements_of(source):
     for token in without_comments(source):
         text = token[0]
         if text == "{":
-            is_code = previous in (")", "else", "const", "override") and parentheses == 0
+            is_code = previous in (")", "else", "const", "override", "try") and parentheses == 0
             block_number += 1
             blocks.append(block_number if is_code else None)
             pending, follows = [], False
