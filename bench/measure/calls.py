@@ -3,7 +3,7 @@
 import json
 import subprocess
 
-from figures import Figure, plain, ratio
+from figures import plain, ratio
 from presses import in_turn
 
 
@@ -18,7 +18,7 @@ def layouts(programs, size):
     """A layout sent, without its check, and what a button more of it costs."""
     figures, per_button = [], {}
     for count, calls in size.layouts.items():
-        runs = in_turn(size.few, lambda side, c=count, n=calls: programs.tell(
+        runs = in_turn(size.some, lambda side, c=count, n=calls: programs.tell(
             f"{side}_caller", n, c)["p50_ns"] / 1e3)
         figures.append(ratio(f"layout of {count:,} buttons sent", "≤ 1.10", runs["library"],
                              runs["bare"], "µs"))
@@ -33,7 +33,7 @@ def checks(programs, size):
     """check_buttons() beside a plain double loop, by Google Benchmark."""
     out = subprocess.run(
         [programs.build / "bench" / "layout_check", "--benchmark_format=json",
-         f"--benchmark_repetitions={size.checks}", f"--benchmark_min_time={size.check_s}",
+         f"--benchmark_repetitions={size.some}", f"--benchmark_min_time={size.check_s}",
          "--benchmark_enable_random_interleaving=true"],
         check=True, capture_output=True, text=True, timeout=300).stdout
     per_pair = {}

@@ -15,7 +15,7 @@ def quantile(values, share):
 
 @dataclasses.dataclass
 class Figure:
-    """One row of the table. `low` and `high` enclose the middle half of what was measured."""
+    """One row of the table. `low` and `high` enclose the middle four fifths of what was measured."""
 
     name: str
     goal: str  # as written in the table: "≤ 1.03"
@@ -41,18 +41,18 @@ def ratio(name, goal, library, bare, unit):
     """A ratio of medians, from pairs that were measured next to each other."""
     pairs = [mine / other for mine, other in zip(library, bare)]
     middle_library, middle_bare = statistics.median(library), statistics.median(bare)
-    return Figure(name, goal, middle_library / middle_bare, quantile(pairs, 0.25),
-                  quantile(pairs, 0.75), library=middle_library, bare=middle_bare, side_unit=unit)
+    return Figure(name, goal, middle_library / middle_bare, quantile(pairs, 0.1),
+                  quantile(pairs, 0.9), library=middle_library, bare=middle_bare, side_unit=unit)
 
 
 def difference(name, goal, library, bare, unit):
     """How much more the library takes, from pairs as well."""
     pairs = [mine - other for mine, other in zip(library, bare)]
-    return Figure(name, goal, statistics.median(pairs), quantile(pairs, 0.25), quantile(pairs, 0.75),
+    return Figure(name, goal, statistics.median(pairs), quantile(pairs, 0.1), quantile(pairs, 0.9),
                   unit, statistics.median(library), statistics.median(bare), unit)
 
 
 def plain(name, goal, values, unit):
     """A value of the library by itself."""
-    return Figure(name, goal, statistics.median(values), quantile(values, 0.25),
-                  quantile(values, 0.75), unit)
+    return Figure(name, goal, statistics.median(values), quantile(values, 0.1),
+                  quantile(values, 0.9), unit)

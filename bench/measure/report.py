@@ -54,7 +54,7 @@ def write(build, machine, figures, load):
     draw(build, "press", next(figure.parts for figure in figures if figure.parts).items())
     print(f"\n{machine['processor']}, Linux {machine['kernel']}, gRPC {machine['grpc']}, "
           f"protobuf {machine['protobuf']}. Ratios are of medians, library / bare; the spread\n"
-          "holds the middle half of the pairs that were measured next to each other.\n"
+          "holds the middle four fifths of the pairs that were measured next to each other.\n"
           f"In {build} are results.json, load.svg (latency against load), and press.svg (where\n"
           "the instructions of a press go).")
 
