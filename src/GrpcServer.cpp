@@ -203,7 +203,7 @@ grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& requ
   const RunningReports::One running(reports);
   const auto [call_back, data] = callback();
   if (!call_back) {
-    logLine(Level::Error, event.site, "callback not set");
+    LOG_AT(Level::Error, event.site, "callback not set");
     response.set_s(kCallbackNotSet);
     return grpc::Status::OK;
   }

@@ -38,8 +38,8 @@ struct LogText {
   std::size_t length;
 };
 
-// The whole line as one format, for the platform to fill in: so it is formatted once, and not at all
-// where nobody will see it.
+// The whole line as one format, for the platform to fill in: so it is formatted once, and not at
+// all where nobody will see it.
 class LineFormat {
  public:
   LineFormat(Level level, const LogText& body);
@@ -52,13 +52,15 @@ class LineFormat {
 
 inline constexpr char kLogTag[] = "murlink";
 
+// For texts of a table; where the text is a literal, the macros below compare it with its
+// arguments.
 template <typename... Arguments>
 void logLine(Level level, const CallSite& site, const LogText& body, Arguments... arguments) {
   dlog_print(static_cast<int>(level), kLogTag, LineFormat(level, body).text(), site.file,
              site.function, site.line, arguments...);
 }
 
-// Not defined: lets the compiler compare a format with its arguments.
+// Not defined.
 [[gnu::format(printf, 1, 2)]] int checkedFormat(const char* body, ...);
 
 #define LOG_AT(level, site, ...)                           \

@@ -11,9 +11,10 @@ namespace {
 // How long a client has to take its answer.
 constexpr std::chrono::seconds kFarewell{1};
 
-// How long one without an answer to take has to say goodbye, and a press that has just come to begin.
-// Few say it, unless they have other calls: gRPC looks at an idle connection every few seconds.
-constexpr std::chrono::microseconds kGoodbye{200};
+// How long one without an answer to take has to say goodbye, and a press that has come to begin: on
+// a processor that has slept, that takes its time. Few clients do say goodbye, unless they have
+// other calls: gRPC looks at an idle connection every few seconds.
+constexpr std::chrono::milliseconds kGoodbye{5};
 
 }  // namespace
 
@@ -31,8 +32,8 @@ void RunningReports::shutDown(grpc::Server& server) {
   done.set_value();
 }
 
-// On a thread of its own, beside Shutdown(), which lets in no further press. So nothing is lost once
-// all callbacks have returned and their answers have had their time.
+// On a thread of its own, beside Shutdown(), which lets in no further press. So nothing is lost
+// once all callbacks have returned and their answers have had their time.
 void RunningReports::cutOffTheSilent(grpc::Server& server, const std::future<void>& done) {
   Clock::duration pause = kGoodbye;
   while (done.wait_for(pause) == std::future_status::timeout) {
@@ -44,8 +45,8 @@ void RunningReports::cutOffTheSilent(grpc::Server& server, const std::future<voi
   }
 }
 
-// How long it takes until all reports have ended and their answers have had their time, if no other
-// begins.
+// How long it takes until the last answer has had its time; while a report runs, when to look
+// again.
 RunningReports::Clock::duration RunningReports::untilQuiet() const {
   // In this order: a report that ends in between has its answer still to send.
   const bool one_runs = running_ != 0;

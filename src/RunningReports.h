@@ -27,9 +27,9 @@ class RunningReports {
     RunningReports& reports_;
   };
 
-  // Waits for running reports without limit. A client that has begun a call and says no more, or does
-  // not take leave, would be waited for as well, some for ever: it is cut off, as soon as no report
-  // has run for a second.
+  // Waits for running reports without limit. A client that has begun a call and says no more, or
+  // does not take leave, would be waited for as well, some for ever: it is cut off, as soon as no
+  // report has run for a second.
   void shutDown(grpc::Server& server);
 
  private:
