@@ -76,7 +76,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   FuzzedDataProvider data(bytes, size);
   const std::vector<button> layout = someLayout(data);
   const Judgement expected = judgementOf(layout);
-  // Of the exact size on the heap, so that a read beyond it is seen; absent when it must not be read.
+  // Of the exact size on the heap, so that a read beyond it is seen; absent when it must not be
+  // read.
   const std::unique_ptr<button[]> buttons(layout.empty() ? nullptr : new button[layout.size()]);
   std::copy(layout.begin(), layout.end(), buttons.get());
   const int count =

@@ -57,15 +57,15 @@ bool areApart(const button& a, const button& b, const CallSite& site) {
   return true;
 }
 
-// So far apart that they do not overlap, however overlap() rounds: its four steps are off by 2e-7 at
-// most. A NaN changes nothing, since it overlaps with nothing.
+// So far apart that they do not overlap, however overlap() rounds: its four steps are off by 2e-7
+// at most. A NaN changes nothing, since it overlaps with nothing.
 bool clearlyApart(const button& a, const button& b) {
   constexpr float kClear = 1e-6F;
   return std::max(b.start - (a.end + kClear), (a.start - kClear) - b.end) > 0;
 }
 
-// Whether a button goes with those that follow it. There are many pairs, and nearly all of them can be
-// passed over.
+// Whether a button goes with those that follow it. There are many pairs, and nearly all of them can
+// be passed over.
 bool goesWith(const button one, const button* next, const button* last, const CallSite& site) {
   for (;;) {
     while (next != last && clearlyApart(one, *next) && one.id != next->id) {

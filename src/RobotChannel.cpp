@@ -15,8 +15,8 @@ namespace {
 
 zet::protobuf::app::Quarlo_RB_GRPC::Stub* lasting_stub = nullptr;
 
-// Destroyed before `stub`, since it is defined after it: leaves it nothing to delete. The stub has a
-// share of the channel, so that lasts as well.
+// Destroyed before `stub`, since it is defined after it: leaves it nothing to delete. The stub has
+// a share of the channel, so that lasts as well.
 struct StubKeeper {
   ~StubKeeper() { static_cast<void>(stub.release()); }
 } keeper;

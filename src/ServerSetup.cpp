@@ -14,8 +14,8 @@ constexpr int kCallsAtOnce = 100;
 constexpr int kLargestMessage = 64 * 1024;
 
 // A connection on which gRPC has not spoken by then is closed; gRPC would keep its descriptor for
-// 120 s. Idle recognisers, which have spoken, are left alone: closing their connections, or asking for
-// signs of life, loses presses now and then.
+// 120 s. Idle recognisers, which have spoken, are left alone: closing their connections, or asking
+// for signs of life, loses presses now and then.
 constexpr int kSilenceLimitMs = 5000;
 
 std::mutex building;

@@ -18,8 +18,8 @@
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
-// A leak checker asks for it. What gRPC generates for a service makes two objects in one expression,
-// and loses the first when there is no memory for the second.
+// A leak checker asks for it. What gRPC generates for a service makes two objects in one
+// expression, and loses the first when there is no memory for the second.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:Quarlo_RB_GRPC::Service::Service";

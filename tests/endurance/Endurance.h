@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0
-// The two sizes of an endurance test, and its figures. scripts/test runs the short ones; scripts/soak
-// sets MURLINK_SOAK_MINUTES, and with it the long ones.
+// SPDX-License-Identifier: Apache-2.0 The two sizes of an endurance test, and its figures.
+// scripts/test runs the short ones; scripts/soak sets MURLINK_SOAK_MINUTES, and with it the long
+// ones.
 #ifndef MURLINK_TESTS_ENDURANCE_H
 #define MURLINK_TESTS_ENDURANCE_H
 
@@ -20,8 +20,8 @@ std::chrono::seconds lasting(std::chrono::seconds short_run);
 // appends it as a row of Markdown to the file that MURLINK_FIGURES names.
 void figure(const std::string& tried, long times, const std::string& seen);
 
-// Ends the process with a word on standard error when it is still alive after `limit`: for calls that
-// must not hang, which nothing else could end.
+// Ends the process with a word on standard error when it is still alive after `limit`: for calls
+// that must not hang, which nothing else could end.
 class Watchdog {
  public:
   Watchdog(std::string what, std::chrono::milliseconds limit);

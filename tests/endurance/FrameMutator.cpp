@@ -71,8 +71,8 @@ void FrameMutator::mutate(Frame& frame) {
   }
 }
 
-// One frame in four is changed; one in 50 after its length was set, so that all that follows is out of
-// step.
+// One frame in four is changed; one in 50 after its length was set, so that all that follows is out
+// of step.
 std::string FrameMutator::conversation(int frames) {
   std::string all = http2::greeting();
   for (int i = 0; i < frames; ++i) {

@@ -8,8 +8,8 @@
 
 #include "support/Http2Frames.h"
 
-// Makes HTTP/2 conversations that are nearly right: valid frames, of which some are changed. The same
-// seed gives the same ones.
+// Makes HTTP/2 conversations that are nearly right: valid frames, of which some are changed. The
+// same seed gives the same ones.
 class FrameMutator {
  public:
   explicit FrameMutator(unsigned seed) : random_(seed) {}

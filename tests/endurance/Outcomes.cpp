@@ -43,7 +43,8 @@ bool isSlow() {
   return !kMemoryIsOurs || load > std::thread::hardware_concurrency();
 }
 
-// A machine that wakes a mere sleeper up late does so for each thread that an answer passes through.
+// A machine that wakes a mere sleeper up late does so for each thread that an answer passes
+// through.
 microseconds allowedOverrun(const Outcome& outcome) {
   return milliseconds(isSlow() ? 1000 : 100) + 4 * outcome.machine_late;
 }

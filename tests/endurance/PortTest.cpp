@@ -111,7 +111,8 @@ TEST(PressPort, IsNeverSharedWithAnotherApplication) {
       startInVain();
       EXPECT_EQ(peers.command("press 1 --force").value("s", -1), 0);
       other.waitFor("button 1 pressed");
-      // Killed as it is by the end of this block; the port is free once the kernel has seen to that.
+      // Killed as it is by the end of this block; the port is free once the kernel has seen to
+      // that.
     }
     startAndHear(peers);
   }

@@ -1,7 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0
-// A busy robot over a long time: four recognisers report 200 presses and releases a second, the
-// application sends five layouts a second, and peers are restarted again and again. The recognisers'
-// own histories are the ledger that the application's record is held against.
+// SPDX-License-Identifier: Apache-2.0 A busy robot over a long time: four recognisers report 200
+// presses and releases a second, the application sends five layouts a second, and peers are
+// restarted again and again. The recognisers' own histories are the ledger that the application's
+// record is held against.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,8 +36,8 @@ void note(int id, int state, void* record) {
   PressLog::note(id, state, &static_cast<Record*>(record)->at(recogniser));
 }
 
-// One recogniser, on a thread of its own. Each round it reports 25 taps on one of its buttons, which
-// takes a second, and then holds what the application was told against its own history.
+// One recogniser, on a thread of its own. Each round it reports 25 taps on one of its buttons,
+// which takes a second, and then holds what the application was told against its own history.
 class BusyRecogniser {
  public:
   BusyRecogniser(std::size_t number, PressLog& told)

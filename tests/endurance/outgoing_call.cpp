@@ -1,11 +1,11 @@
-// SPDX-License-Identifier: Apache-2.0
-// outgoing_call CALL FAULT [STEP AFTER]: makes one call of the library under a fault, and prints its
-// result, its microseconds, how many microseconds this machine is late by itself, and the log.
-// The wall clock is set by STEP seconds AFTER so many milliseconds of the call; just before it when
-// that is 0.
+// SPDX-License-Identifier: Apache-2.0 outgoing_call CALL FAULT [STEP AFTER]: makes one call of the
+// library under a fault, and prints its result, its microseconds, how many microseconds this
+// machine is late by itself, and the log. The wall clock is set by STEP seconds AFTER so many
+// milliseconds of the call; just before it when that is 0.
 //
 // A process makes one call only. After a failure the channel answers by itself for a while, and a
-// second call would meet that instead of the fault. Its network is its own, so many may run at once.
+// second call would meet that instead of the fault. Its network is its own, so many may run at
+// once.
 #include <algorithm>
 #include <atomic>
 #include <functional>
@@ -121,7 +121,8 @@ std::unique_ptr<Peers> peersWith(const std::string& fault, const OutgoingCall& c
   return std::make_unique<ProxiedPeers>(fault, call);
 }
 
-// How late this machine wakes a thread up that sleeps a while, over and over, as long as this lives.
+// How late this machine wakes a thread up that sleeps a while, over and over, as long as this
+// lives.
 class OwnLateness {
  public:
   microseconds end() {

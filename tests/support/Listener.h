@@ -36,8 +36,8 @@ class SilentConnection {
   int socket_;
 };
 
-// Waits until something accepts connections there, for 10 s at most: the library's server starts on a
-// thread of its own, after the call that starts it has returned. Throws std::runtime_error.
+// Waits until something accepts connections there, for 10 s at most: the library's server starts on
+// a thread of its own, after the call that starts it has returned. Throws std::runtime_error.
 void waitUntilListening(const char* host, std::uint16_t port);
 
 #endif

@@ -8,7 +8,8 @@
 constexpr bool kHaveOwnNetworks = MURLINK_TESTS_HAVE_OWN_NETWORKS;
 constexpr const char* kNoOwnNetwork = "network namespaces are not permitted here";
 
-// Moves this process into one, with loopback up. To be called before the process has a second thread.
+// Moves this process into one, with loopback up. To be called before the process has a second
+// thread.
 void enterOwnNetwork();
 
 // For a process that is in its own network.

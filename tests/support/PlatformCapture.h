@@ -53,7 +53,8 @@ class LogCapture {
   void add(int priority, const char* tag, const char* text);
 };
 
-// A platform whose log takes its time over lines that contain a text, while it lives; one at a time.
+// A platform whose log takes its time over lines that contain a text, while it lives; one at a
+// time.
 class SlowLog {
  public:
   SlowLog(const char* text, std::chrono::milliseconds delay);

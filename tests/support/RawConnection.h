@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <string>
 
-// A TCP connection that says whatever it is told to, for clients that keep to no rule. What the other
-// side sends is thrown away. Nothing waits for longer than 10 s, and a connection that the other side
-// has closed is no failure.
+// A TCP connection that says whatever it is told to, for clients that keep to no rule. What the
+// other side sends is thrown away. Nothing waits for longer than 10 s, and a connection that the
+// other side has closed is no failure.
 class RawConnection {
  public:
   // `host` is an IPv4 address. Throws std::system_error when nobody accepts.
@@ -19,7 +19,8 @@ class RawConnection {
   RawConnection(const RawConnection&) = delete;
   RawConnection& operator=(const RawConnection&) = delete;
 
-  // Returns how much was taken: less than all of it when the other side has closed, or reads no more.
+  // Returns how much was taken: less than all of it when the other side has closed, or reads no
+  // more.
   std::size_t send(const std::string& bytes);
   // Waits until the other side has sent something, or has closed: false.
   bool hear();

@@ -4,8 +4,8 @@
 
 #include "SimulatorProcess.h"
 
-// A recogniser in a process of its own, that reports to the library whether recognition runs or not.
-// What it has reported is in its history alone.
+// A recogniser in a process of its own, that reports to the library whether recognition runs or
+// not. What it has reported is in its history alone.
 class RecogniserProcess : public SimulatorProcess {
  public:
   RecogniserProcess() : SimulatorProcess({"--quiet", "--robot", "off", "--display", "off"}) {
