@@ -309,19 +309,20 @@ milliseconds endBeside(FootTouch_Server& server) {
   return std::chrono::duration_cast<milliseconds>(steady_clock::now() - start);
 }
 
-// The best of a few, since a loaded machine may take its time.
+// The median of a few, since a loaded machine may take its time.
 TEST_F(CallbackServer, EndsAtOnceAlthoughAConnectionStaysSilent) {
-  milliseconds best = milliseconds::max();
-  for (int i = 0; i < 5; ++i) {
+  std::vector<milliseconds> took(5);
+  for (milliseconds& one : took) {
     run();
     SilentConnection stranger;
     stranger.connectTo(MURLINK_DISPLAY_HOST, 26711);
     ASSERT_TRUE(stranger.isGreeted(std::chrono::seconds(10)));
 
-    best = std::min(best, endBeside(*server));
+    one = endBeside(*server);
   }
 
-  EXPECT_LT(best, milliseconds(500));
+  std::sort(took.begin(), took.end());
+  EXPECT_LT(took[2], milliseconds(500));
 }
 
 TEST_F(CallbackServer, GivesAClientASecondToTakeItsAnswer) {
