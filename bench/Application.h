@@ -10,13 +10,13 @@
 
 namespace bench {
 
-// What the application does with a press. May run on several threads at once. Null to begin with.
-extern void (*pressed)(int id);
+// What the application does with a press; set it first. May run on several threads at once.
+inline void (*pressed)(int id) = nullptr;
 
 // Defined by each version. They throw when something fails.
 void initialise();
 void startRecognition();
-// Without checking the layout, which is a question of its own.
+// From where the library has checked and copied it: the check is a question of its own.
 void sendLayout(std::vector<button>& layout);
 void finalise();
 

@@ -12,8 +12,6 @@
 
 namespace bench {
 
-void (*pressed)(int id) = nullptr;
-
 namespace {
 
 using zet::protobuf::app::Buttons;

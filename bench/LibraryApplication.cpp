@@ -7,8 +7,6 @@
 
 namespace bench {
 
-void (*pressed)(int id) = nullptr;
-
 namespace {
 
 void expectSuccess(int result) {

@@ -1,10 +1,8 @@
-// SPDX-License-Identifier: Apache-2.0
-// How long it takes to check a layout, beside a plain double loop over its pairs that applies the same
-// rules.
+// SPDX-License-Identifier: Apache-2.0 How long it takes to check a layout, beside a plain double
+// loop over its pairs that applies the same rules and logs the same lines.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <stdexcept>
 
 #include "FootTouchAPI.h"
 #include "Layout.h"
@@ -17,14 +15,12 @@ bool isValid(const button& one) {
          !(one.end > 1.0F) && !(one.end < 0.0F);
 }
 
-void log(int priority, const char* text, int id) {
-  char body[1024];
-  std::snprintf(body, sizeof body, text, id);
-  dlog_print(priority, "murlink", "%s: %s(%d) > %s\n", "layout_check.cpp", "plainCheck", 0, body);
+void log(int priority, const char* format, int id) {
+  dlog_print(priority, "murlink", format, "layout_check.cpp", "plainCheck", 1, id);
 }
 
 bool plainCheck(const button* buttons, int count) {
-  log(DLOG_INFO, "check", 0);
+  log(DLOG_INFO, "%s: %s(%d) > check\n", 0);
   for (int i = 0; i < count; ++i) {
     if (!isValid(buttons[i])) {
       return false;
@@ -33,14 +29,14 @@ bool plainCheck(const button* buttons, int count) {
   for (int a = 0; a < count; ++a) {
     for (int b = a + 1; b < count; ++b) {
       if (buttons[a].id == buttons[b].id) {
-        log(DLOG_ERROR, "repeated id %d", buttons[a].id);
+        log(DLOG_ERROR, "%s : %s(%d) > repeated id %d\n", buttons[a].id);
         continue;
       }
       const float sum = ((buttons[a].end - buttons[a].start) + buttons[b].end) - buttons[b].start;
       const float span =
           std::max(buttons[a].end, buttons[b].end) - std::min(buttons[a].start, buttons[b].start);
       if (sum > span) {
-        log(DLOG_ERROR, "overlapping %d", buttons[a].id);
+        log(DLOG_ERROR, "%s : %s(%d) > overlapping %d\n", buttons[a].id);
         return false;
       }
     }

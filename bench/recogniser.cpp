@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle]
-// Reports presses: M on each of N connections, after W that are not measured; one after the other, or R
-// a second in all, evenly. Tells how long they took: from the moment at which they were due, so that a
-// slow answer does not hide the wait of the next. With --idle it then stays connected until its input
-// ends.
+// Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle] [--watch]
+// Reports presses: M on each of N connections, after W that are not measured; one after the other,
+// or R a second in all, evenly. Tells how long they took: from the moment at which they were due, so
+// that a slow answer does not hide the wait of the next. With --idle it then stays connected until
+// its input ends; with --watch it watches its connections meanwhile, and so takes leave when it is
+// asked to.
 #include <grpcpp/create_channel.h>
 #include <pthread.h>
+#include <sys/prctl.h>
 
 #include <CLI/CLI.hpp>
+#include <atomic>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -33,6 +36,7 @@ struct Options {
   int warm_up = 200;
   double rate = 0;  // 0: as fast as they are answered
   bool idle = false;
+  bool watch = false;
 };
 
 // One connection.
@@ -47,6 +51,12 @@ class Client {
     if (!channel_->WaitForConnected(std::chrono::system_clock::now() + std::chrono::seconds(30))) {
       throw std::runtime_error("nobody listens on " BENCH_CALLBACK);
     }
+  }
+
+  // Watches the connection for so long; false as soon as it is gone.
+  bool staysConnected(std::chrono::milliseconds duration) {
+    return !channel_->WaitForStateChange(GRPC_CHANNEL_READY,
+                                         std::chrono::system_clock::now() + duration);
   }
 
   void press(int id) {
@@ -72,7 +82,8 @@ class Recogniser {
         round_trips_(static_cast<std::size_t>(options.clients) *
                      static_cast<std::size_t>(options.presses)),
         clients_(static_cast<std::size_t>(options.clients)) {
-    pthread_barrier_init(&warm_, nullptr, static_cast<unsigned>(options.clients) + 1);
+    pthread_barrier_init(&warm_, nullptr, static_cast<unsigned>(options.clients));
+    prctl(PR_SET_TIMERSLACK, 1);  // for presses that are due
   }
   ~Recogniser() { pthread_barrier_destroy(&warm_); }
   Recogniser(const Recogniser&) = delete;
@@ -83,16 +94,33 @@ class Recogniser {
     for (std::size_t i = 0; i < clients_.size(); ++i) {
       threads.emplace_back([this, i] { runClient(i); });
     }
-    pthread_barrier_wait(&warm_);
-    const auto begin = Clock::now();
     for (std::thread& thread : threads) {
       thread.join();
     }
-    const double seconds = static_cast<double>(bench::nanosecondsSince(begin)) / 1e9;
+    const double seconds = static_cast<double>(bench::nanosecondsSince(begin_)) / 1e9;
     std::printf("{\"presses_per_s\": %.1f, \"p50_ns\": %ld, \"p99_ns\": %ld}\n",
                 static_cast<double>(round_trips_.count()) / seconds, round_trips_.quantile(0.5),
                 round_trips_.quantile(0.99));
     std::fflush(stdout);
+  }
+
+  // Until the input ends.
+  void stay() {
+    std::atomic<bool> stays{true};
+    std::vector<std::thread> watches;
+    if (options_.watch) {
+      for (Client& client : clients_) {
+        watches.emplace_back([&client, &stays] {
+          while (stays && client.staysConnected(std::chrono::milliseconds(100))) {
+          }
+        });
+      }
+    }
+    std::cin.get();
+    stays = false;
+    for (std::thread& watch : watches) {
+      watch.join();
+    }
   }
 
  private:
@@ -100,13 +128,17 @@ class Recogniser {
   bench::Samples round_trips_;
   std::vector<Client> clients_;
   pthread_barrier_t warm_{};
+  Clock::time_point begin_;
 
   void runClient(std::size_t index) {
     Client& client = clients_[index];
     for (int i = 0; i < options_.warm_up; ++i) {
       client.press(bench::kNoStamp);
     }
-    pthread_barrier_wait(&warm_);
+    // One of them is told to; all of them go on at about that time.
+    if (pthread_barrier_wait(&warm_) == PTHREAD_BARRIER_SERIAL_THREAD) {
+      begin_ = Clock::now();
+    }
     if (options_.rate > 0) {
       pressAtRate(client, index);
     } else {
@@ -147,11 +179,12 @@ int main(int argc, char** argv) {
     app.add_option("--warm-up", options.warm_up)->check(CLI::NonNegativeNumber);
     app.add_option("--rate", options.rate)->check(CLI::NonNegativeNumber);
     app.add_flag("--idle", options.idle);
+    app.add_flag("--watch", options.watch);
     CLI11_PARSE(app, argc, argv);
     Recogniser recogniser(options);
     recogniser.run();
     if (options.idle) {
-      std::cin.get();  // ends with the input
+      recogniser.stay();
     }
   } catch (const std::exception& error) {
     std::cerr << "recogniser: " << error.what() << "\n";

@@ -12,8 +12,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
+#include <exception>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 

@@ -10,28 +10,29 @@ import calls
 import presses
 import report
 import weight
-from processes import Failure, Programs
+from processes import Failure, Programs, output
 
 QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts, calls.checks,
-             weight.loading, weight.starting, weight.stripped_size, weight.instructions)
+             weight.loading, weight.starting, weight.ending, weight.stripped_size,
+             weight.instructions)
 
 # How often things are done. Rounds have one of each side.
 THOROUGH = SimpleNamespace(
     rounds=40, some=13, few=5, starts=25, presses=700, sleeps=40, check_s=0.05,
     layouts={10: 700, 1000: 200, 100000: 10}, profiled=(200, 1200),
-    rates=(250, 500, 1000, 2000, 3000, 4000, 5000, 6000, 7000, 8000), load_s=0.7)
+    rates=(500, 1000, 2000, 4000, 6000, 7500), load_s=1, least_samples=600)
 QUICK = SimpleNamespace(
     rounds=1, some=1, few=1, starts=1, presses=50, sleeps=3, check_s=0.001,
-    layouts={10: 10, 1000: 5, 100000: 2}, profiled=(5, 25), rates=(250, 500), load_s=0.1)
+    layouts={10: 10, 1000: 5, 100000: 2}, profiled=(5, 25),
+    rates=(500, 1000), load_s=0.1, least_samples=50)
 
 
 def machine():
     """What the figures depend on."""
     with open("/proc/cpuinfo", encoding="utf-8") as file:
         model = next((line.split(":")[1].strip() for line in file if "model name" in line), "unknown")
-    grpc = subprocess.run(["pkg-config", "--modversion", "grpc++", "protobuf"], check=True,
-                          capture_output=True, text=True).stdout.split()
-    return {"processor": model, "kernel": platform.release(), "grpc": grpc[0], "protobuf": grpc[1],
+    grpc, protobuf = output("pkg-config", "--modversion", "grpc++", "protobuf").split()
+    return {"processor": model, "kernel": platform.release(), "grpc": grpc, "protobuf": protobuf,
             "date": time.strftime("%Y-%m-%d")}
 
 
@@ -46,9 +47,9 @@ def main(build, quick):
         for question in QUESTIONS:
             for figure in question(programs, size):
                 figures.append(figure)
-                print(report.row(figure), flush=True)
+                print(report.row(figure, judged=not quick), flush=True)
         load = presses.under_load(programs, size)
-    report.write(programs.build, machine(), figures, load)
+    report.write(programs.build / ("quick" if quick else "results"), machine(), figures, load)
 
 
 if __name__ == "__main__":

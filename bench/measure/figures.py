@@ -52,7 +52,7 @@ def difference(name, goal, library, bare, unit):
                   unit, statistics.median(library), statistics.median(bare), unit)
 
 
-def plain(name, goal, values, unit):
-    """A value of the library by itself."""
+def plain(name, goal, values, unit, bare=None):
+    """A value of the library by itself; that of bare gRPC is for comparison alone."""
     return Figure(name, goal, statistics.median(values), quantile(values, 0.1),
-                  quantile(values, 0.9), unit)
+                  quantile(values, 0.9), unit, bare=bare, side_unit=unit)

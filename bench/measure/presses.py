@@ -2,23 +2,23 @@
 """Presses: how long they are on their way, how many a second, and how that goes with the load."""
 import statistics
 
-from figures import plain, ratio
+from figures import plain, quantile, ratio
 
 SIDES = ("library", "bare")
 
 
-def in_turn(rounds, measure):
-    """Calls measure(side) for both sides in each round, the first side in turn; lists by side."""
-    values = {side: [] for side in SIDES}
+def in_turn(rounds, measure, sides=SIDES):
+    """Calls measure(side) for all sides in each round, the first one in turn; lists by side."""
+    values = {side: [] for side in sides}
     for number in range(rounds):
-        for side in SIDES if number % 2 else reversed(SIDES):
+        for side in sides if number % 2 else reversed(sides):
             values[side].append(measure(side))
     return values
 
 
-def press(programs, side, *options, sleep_ms=0, log=None):
+def press(programs, side, *options, sleep_ms=0, formats_log=False):
     """Fresh server, fresh recogniser: what both tell, times in microseconds."""
-    with programs.started(f"{side}_server", sleep_ms, log=log) as server:
+    with programs.started(f"{side}_server", sleep_ms, formats_log=formats_log) as server:
         server.told()
         client = programs.tell("recogniser", *options)
         transit = server.finish()
@@ -31,22 +31,44 @@ def column(runs, key):
     return [[run[key] for run in runs[side]] for side in SIDES]
 
 
+# What is measured in turn by latency(): arguments of press(), but for plain TCP.
+LATENCIES = {
+    "library": {"side": "library"},
+    "bare": {"side": "bare"},
+    "formatted": {"side": "library", "formats_log": True},
+    "once more": {"side": "bare"},
+    "tcp": None,
+}
+
+
 def latency(programs, size):
     """One recogniser, one press after the other."""
-    options = ("--presses", size.presses)
-    silent = in_turn(size.rounds, lambda side: press(programs, side, *options))
-    formatted = in_turn(size.rounds, lambda side: press(
-        programs, side, *options, log="format"))
-    tcp = [programs.tell("tcp", size.presses)["p50_ns"] / 1e3 for _ in range(5)]
-    _, bare = column(silent, "p50")
-    return [
-        ratio("press, round trip p50, log silent", "≤ 1.03", *column(silent, "p50"), "µs"),
-        ratio("press, round trip p50, log lines formatted", "≤ 1.06", *column(formatted, "p50"),
-              "µs"),
-        ratio("press, round trip p99, log silent", "≤ 1.10", *column(silent, "p99"), "µs"),
-        ratio("press to callback p50, log silent", "≤ 1.03", *column(silent, "callback"), "µs"),
-        ratio("plain TCP round trip p50 / bare press", "", tcp, bare[:len(tcp)], "µs"),
+    def measure(name):
+        if name == "tcp":
+            return {"p50": programs.tell("tcp", size.presses)["p50_ns"] / 1e3}
+        how = LATENCIES[name]
+        return press(programs, how["side"], "--presses", size.presses,
+                     formats_log=how.get("formats_log", False))
+
+    runs = in_turn(size.rounds, measure, tuple(LATENCIES))
+    p50 = {name: [run["p50"] for run in runs[name]] for name in LATENCIES}
+    figures = [
+        ratio("press, round trip p50, log silent", "≤ 1.03", *column(runs, "p50"), "µs"),
+        ratio("press, round trip p50, its log lines formatted", "≤ 1.06", p50["formatted"],
+              p50["bare"], "µs"),
+        ratio("press, round trip p99, log silent", "≤ 1.10", *column(runs, "p99"), "µs"),
+        ratio("press to callback p50, log silent", "≤ 1.03", *column(runs, "callback"), "µs"),
+        ratio("(bare gRPC beside itself, p50)", "", p50["once more"], p50["bare"], "µs"),
+        ratio("(plain TCP beside bare gRPC, p50)", "", p50["tcp"], p50["bare"], "µs"),
     ]
+    middle = {name: statistics.median(values) for name, values in p50.items()}
+    figures[0].parts = {
+        "plain TCP": middle["tcp"],
+        "gRPC": middle["bare"] - middle["tcp"],
+        "library": max(0, middle["library"] - middle["bare"]),
+        "three log lines formatted": max(0, middle["formatted"] - middle["library"]),
+    }
+    return figures
 
 
 def throughput(programs, size):
@@ -65,13 +87,18 @@ def throughput(programs, size):
 
 
 def under_load(programs, size):
-    """Round trips at rising rates of four recognisers: rows of rate, and p50 and p99 of each side."""
+    """Round trips at rising rates of four recognisers: for each rate and side, the median of the
+    rounds and their middle four fifths, of p50 and of p99."""
     rows = []
     for rate in size.rates:
-        presses = max(50, int(rate * size.load_s / 4))
+        presses = max(size.least_samples, int(rate * size.load_s)) // 4
         options = ("--clients", 4, "--presses", presses, "--rate", rate)
         runs = in_turn(size.few, lambda side, o=options: press(programs, side, *o))
-        rows.append({"rate": rate, **{
-            f"{side}_{key}_us": statistics.median(run[key] for run in runs[side])
-            for side in SIDES for key in ("p50", "p99")}})
+        row = {"rate": rate}
+        for key in ("p50", "p99"):
+            for side, values in zip(SIDES, column(runs, key)):
+                row |= {f"{side}_{key}": statistics.median(values),
+                        f"{side}_{key}_low": quantile(values, 0.1),
+                        f"{side}_{key}_high": quantile(values, 0.9)}
+        rows.append(row)
     return rows

@@ -1,8 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Starts the programs of the benchmarks and reads what they tell: one JSON object a line.
-
-Every process is ended, sooner or later.
-"""
+"""Starts the programs of the benchmarks and reads what they tell: one JSON object a line."""
 import contextlib
 import json
 import os
@@ -12,7 +9,13 @@ import threading
 
 
 class Failure(Exception):
-    """A program ended badly, or told nothing."""
+    """A program ended badly, or told nothing that can be used."""
+
+
+def output(*command):
+    """What a program of the machine prints."""
+    return subprocess.run([str(word) for word in command], check=True, stdout=subprocess.PIPE,
+                          text=True, timeout=120).stdout
 
 
 class Programs:
@@ -20,9 +23,13 @@ class Programs:
 
     def __init__(self, build):
         self.build = pathlib.Path(build).resolve()
-        self.library = self.build / "src" / "libmurlink-robot.so.1"
-        self._all_cores = os.sched_getaffinity(0)
-        self._core = max(self._all_cores)  # the first ones serve most interrupts
+        self.library = self.build / "src" / "libmurlink-robot.so"
+        # The first ones serve most interrupts.
+        self.on_one_core = ("taskset", "--cpu-list", str(max(os.sched_getaffinity(0))))
+
+    def path(self, name):
+        """Where a program is."""
+        return self.build / "bench" / name
 
     def tell(self, name, *arguments, **how):
         """Runs a program to its end, and returns what it told last."""
@@ -30,14 +37,13 @@ class Programs:
             return process.finish()
 
     @contextlib.contextmanager
-    def started(self, name, *arguments, pinned=True, log=None, under=(), limit_s=120):
-        """A running program: with its log lines formatted if `log` says so, `under` a command."""
+    def started(self, name, *arguments, pinned=True, formats_log=False, under=(), limit_s=120):
+        """A running program, `under` a command if need be."""
         environment = {key: text for key, text in os.environ.items() if key != "BENCH_LOG"}
-        if log:
-            environment["BENCH_LOG"] = log
-        command = [*under, str(self.build / "bench" / name), *map(str, arguments)]
-        cores = {self._core} if pinned else self._all_cores
-        process = Process(command, environment, cores, limit_s)
+        if formats_log:
+            environment["BENCH_LOG"] = "format"
+        command = [*(self.on_one_core if pinned else ()), *under, self.path(name), *arguments]
+        process = Process([str(word) for word in command], environment, limit_s)
         try:
             yield process
         finally:
@@ -47,27 +53,23 @@ class Programs:
 class Process:
     """A running program, whose input is open until it is to finish; killed after `limit_s`."""
 
-    def __init__(self, command, environment, cores, limit_s):
+    def __init__(self, command, environment, limit_s):
         self._command = " ".join(command)
-        self._process = subprocess.Popen(
-            command, env=environment, text=True, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-            preexec_fn=lambda: os.sched_setaffinity(0, cores))
+        self._process = subprocess.Popen(command, env=environment, text=True,
+                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE)
         self._limit = threading.Timer(limit_s, self._process.kill)
         self._limit.start()
 
     def told(self):
         """The next line that it tells."""
-        line = self._process.stdout.readline()
-        if not line:
-            raise Failure(f"{self._command} told nothing and ended with {self._process.wait()}")
-        return json.loads(line)
+        return self._understood(self._process.stdout.readline())
 
     def finish(self):
         """Ends its input, waits for its end, and returns what it told last."""
         out, _ = self._process.communicate()
-        if self._process.returncode != 0 or not out.strip():
-            raise Failure(f"{self._command} ended with {self._process.returncode}")
-        return json.loads(out.strip().splitlines()[-1])
+        if self._process.returncode != 0:
+            raise self._failure()
+        return self._understood((out.strip().splitlines() or [""])[-1])
 
     def kill(self):
         """Ends it, whatever it does."""
@@ -76,3 +78,16 @@ class Process:
         self._process.wait()
         self._process.stdin.close()
         self._process.stdout.close()
+
+    def _understood(self, line):
+        try:
+            return json.loads(line)
+        except json.JSONDecodeError:
+            self._process.kill()
+            raise self._failure(line) from None
+
+    def _failure(self, line=""):
+        code = self._process.wait()
+        told = f" and told {line!r}" if line else ""
+        late = " (its time was up)" if self._limit.finished.is_set() else ""
+        return Failure(f"{self._command} ended with {code}{told}{late}")

@@ -1,28 +1,29 @@
 # SPDX-License-Identifier: Apache-2.0
-"""The table, the JSON file and the plots."""
+"""The table, the JSON file and the pictures."""
 import dataclasses
 import json
 import pathlib
-import subprocess
+
+from processes import output
 
 HERE = pathlib.Path(__file__).resolve().parent
-COLUMNS = ("figure", "goal", "measured", "spread", "library", "bare", "")
-WIDTHS = (46, 8, 11, 15, 11, 11, 3)
+COLUMNS = ("figure", "goal", "library", "bare", "ratio, or value", "spread", "")
+WIDTHS = (48, 7, 9, 9, 15, 16, 6)
 
 
 def heading():
     """The first two lines of the table."""
-    return "\n".join([line(COLUMNS), line(["-" * width for width in WIDTHS])])
+    return line(COLUMNS) + "\n" + line("-" * width for width in WIDTHS)
 
 
-def row(figure):
-    """The line of a figure."""
-    verdict = {True: "met", False: "MISSED", None: ""}[figure.is_met]
-    sides = (figure.library, figure.bare)
-    return line((
-        figure.name, figure.goal, with_unit(figure.value, figure.unit),
-        f"{short(figure.low)} to {short(figure.high)}",
-        *("" if side is None else with_unit(side, figure.side_unit) for side in sides), verdict))
+def row(figure, judged):
+    """The line of a figure, with a verdict or without."""
+    verdict = {True: "met", False: "missed", None: ""}[figure.is_met] if judged else ""
+    sides = ("" if side is None else with_unit(side, figure.side_unit)
+             for side in (figure.library, figure.bare))
+    digits = 3 if figure.library is not None and not figure.unit else 2
+    return line((figure.name, figure.goal, *sides, with_unit(figure.value, figure.unit, digits),
+                 f"{short(figure.low, digits)} to {short(figure.high, digits)}", verdict))
 
 
 def line(cells):
@@ -30,39 +31,38 @@ def line(cells):
     return "| " + " | ".join(f"{cell:{width}}" for cell, width in zip(cells, WIDTHS)) + " |"
 
 
-def short(value):
-    """Three digits that count, more of a large number."""
-    if abs(value) >= 100 or value == int(value):
-        return f"{value:,.0f}"
-    return f"{value:.2f}" if abs(value) >= 0.1 else f"{value:.3f}"
+def short(value, digits=2):
+    """No digits after the point for whole and large numbers."""
+    return f"{value:,.0f}" if abs(value) >= 100 or value == int(value) else f"{value:.{digits}f}"
 
 
-def with_unit(value, unit):
+def with_unit(value, unit, digits=2):
     """A value as text."""
-    return f"{short(value)} {unit}".rstrip()
+    return f"{short(value, digits)} {unit}".rstrip()
 
 
-def write(build, machine, figures, load):
-    """Leaves everything in the build folder."""
-    results = {
+def write(folder, machine, figures, load):
+    """Leaves everything in a folder, and says so."""
+    folder.mkdir(exist_ok=True)
+    (folder / "results.json").write_text(json.dumps({
         "machine": machine,
         "figures": [{**dataclasses.asdict(figure), "met": figure.is_met} for figure in figures],
         "load": load,
-    }
-    (build / "results.json").write_text(json.dumps(results, indent=1) + "\n", encoding="utf-8")
-    draw(build, "load", [list(load[0])] + [list(point.values()) for point in load])
-    draw(build, "press", next(figure.parts for figure in figures if figure.parts).items())
-    print(f"\n{machine['processor']}, Linux {machine['kernel']}, gRPC {machine['grpc']}, "
-          f"protobuf {machine['protobuf']}. Ratios are of medians, library / bare; the spread\n"
-          "holds the middle four fifths of the pairs that were measured next to each other.\n"
-          f"In {build} are results.json, load.svg (latency against load), and press.svg (where\n"
-          "the instructions of a press go).")
+    }, indent=1) + "\n", encoding="utf-8")
+    parts = next(figure.parts for figure in figures if figure.name.startswith("press, round trip"))
+    draw(folder, "press", [[f"{name}: {value:.1f} µs" for name, value in parts.items()],
+                           list(parts.values())])
+    draw(folder, "load", [list(load[0])] + [list(point.values()) for point in load])
+    print(f"\n{machine['processor']}, Linux {machine['kernel']}, gRPC {machine['grpc']}, protobuf "
+          f"{machine['protobuf']}.\nRatios are of medians, library / bare; the spread holds the "
+          "middle four fifths of the pairs that were\nmeasured in the same round. Also in "
+          f"{folder}/results.json; where a press\nspends its time in press.svg beside it, and "
+          "latency against load in load.svg.")
 
 
-def draw(build, name, rows):
+def draw(folder, name, rows):
     """A picture of the rows, by the gnuplot file of that name."""
-    data, picture = build / f"{name}.dat", build / f"{name}.svg"
+    data, picture = folder / f"{name}.dat", folder / f"{name}.svg"
     data.write_text("".join(" ".join(json.dumps(cell, ensure_ascii=False) for cell in cells) + "\n"
                             for cells in rows), encoding="utf-8")
-    subprocess.run(["gnuplot", "-e", f"data='{data}'; picture='{picture}'",
-                    HERE / f"{name}.gnuplot"], check=True, timeout=60)
+    output("gnuplot", "-e", f"data='{data}'; picture='{picture}'", HERE / f"{name}.gnuplot")
