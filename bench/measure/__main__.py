@@ -18,7 +18,7 @@ QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts,
 
 # How often things are done. Rounds have one of each side.
 THOROUGH = SimpleNamespace(
-    rounds=40, some=13, few=5, starts=25, presses=700, sleeps=40, check_s=0.05,
+    rounds=30, some=11, few=4, starts=25, presses=700, sleeps=40, check_s=0.05,
     layouts={10: 700, 1000: 200, 100000: 10}, profiled=(200, 1200),
     rates=(500, 1000, 2000, 4000, 6000, 7500), load_s=1, least_samples=600)
 QUICK = SimpleNamespace(
