@@ -302,11 +302,11 @@ int foot_touch_initialize(void);
  *
  * Blocks until every callback that runs has returned, without limit, and then until the robot
  * answers, 2 s at most. A press that arrives meanwhile is refused. A client that does not take
- * leave is cut off a second after the end of the last press, so that whoever reported it gets its
- * answer, and within milliseconds when that is past: a recogniser that hangs, whose host is gone,
- * or that uses gRPC for nothing but presses and reports none at the time; a stranger that says
- * nothing. No callback runs after it has returned, unless it returned because foot touch was not
- * initialised.
+ * leave is cut off a second or two after the end of the last press, so that whoever reported it
+ * gets its answer, and within milliseconds when that is past: a recogniser that hangs, whose host
+ * is gone, or that uses gRPC for nothing but presses and reports none at the time; a stranger
+ * that says nothing. No callback runs after it has returned, unless it returned because foot
+ * touch was not initialised.
  *
  * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
  * foot_touch_initialize() would do nothing: call this function again after a pause. That does not
