@@ -18,6 +18,7 @@
 namespace {
 
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 using std::chrono::steady_clock;
 using ::testing::Contains;
 using ::testing::ElementsAre;
@@ -337,6 +338,27 @@ TEST_F(CallbackServer, GivesAClientASecondToTakeItsAnswer) {
 
   EXPECT_GE(took, milliseconds(500));
   EXPECT_LT(took, std::chrono::seconds(4));  // sooner than gRPC gives up on such a client
+}
+
+// Neither half of it: not delivered and reported as lost, nor lost and reported as delivered.
+TEST_F(CallbackServer, AnswersAtItsEndThePressThatItDelivers) {
+  for (int i = 0; i < 200; ++i) {
+    std::atomic<bool> delivered{false};
+    server->set_button_cb([&delivered](int, int, void*) { delivered = true; }, nullptr);
+    run();
+    const auto channel = grpc::CreateChannel(kAddress, grpc::InsecureChannelCredentials());
+    ASSERT_TRUE(channel->WaitForConnected(std::chrono::system_clock::now() + seconds(10)));
+    auto pressing = std::async(std::launch::async, [&channel] {
+      grpc::ClientContext context;
+      StatusResponse response;
+      return Stub(channel).service_On(&context, IntMessage(), &response).ok();
+    });
+    std::this_thread::sleep_for(std::chrono::microseconds(20 * (i % 60)));
+
+    server->terminate_server();
+
+    ASSERT_EQ(pressing.get(), delivered) << "round " << i;
+  }
 }
 
 // ---- A port that cannot be had
