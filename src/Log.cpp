@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written as far as it is read
 LineFormat::LineFormat(Level level, const LogText& body) {
   // The blank before the colon tells errors from information in the prefix itself.
   const LogText prefix = level == Level::Error ? LogText("%s : %s(%d) > ") : "%s: %s(%d) > ";

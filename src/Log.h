@@ -29,7 +29,6 @@ struct LogText {
   static constexpr std::size_t kLongest = 200;
 
   template <std::size_t Size>
-  // NOLINTNEXTLINE(google-explicit-constructor,hicpp-explicit-conversions): stands for the literal
   constexpr LogText(const char (&literal)[Size]) : text(literal), length(Size - 1) {
     static_assert(Size - 1 <= kLongest);
   }

@@ -30,6 +30,7 @@ struct Feature {
   Verdict timed_out;
 };
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): made as a whole only
 struct Command {
   const Feature& feature;
   RobotCall::Rpc rpc;
