@@ -6,7 +6,7 @@ import statistics
 import tempfile
 import time
 
-from figures import Figure, difference, plain, ratio
+from figures import difference, plain, ratio
 from presses import SIDES, column, in_turn
 from processes import Failure, output
 
@@ -115,7 +115,7 @@ def a_press(programs, side, few, many):
 
 
 def instructions(programs, size):
-    """Of a press in the server; and where they go, for the picture."""
+    """Of a press in the server, in all and by owner."""
     runs = in_turn(size.few, lambda side: a_press(programs, side, *size.profiled))
     total = {side: [sum(run.values()) for run in runs[side]] for side in SIDES}
     own = [run["library"] for run in runs["library"]]
