@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The platform's two functions: a device with the lens, and a log that nobody reads. With BENCH_LOG in
-// the environment, its lines are at least formatted.
+// The platform's two functions: a device with the lens, and a log that nobody reads. With BENCH_LOG
+// in the environment, its lines are at least formatted.
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>

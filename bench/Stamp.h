@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The moment at which a press was sent, as its button id: so
-// the other process knows how long it was on its way. Good for one second on the way, twice over.
+// SPDX-License-Identifier: Apache-2.0
+// The moment at which a press was sent, as its button id: so the other process knows how long it
+// was on its way. Good for one second on the way, twice over.
 #ifndef MURLINK_BENCH_STAMP_H
 #define MURLINK_BENCH_STAMP_H
 

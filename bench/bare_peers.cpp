@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 Plays robot and display for both versions of everything:
-// answers 0 to every call, at once, until its input ends.
+// SPDX-License-Identifier: Apache-2.0
+// Plays robot and display for both versions of everything: answers 0 to every call, at once, until
+// its input ends.
 #include <grpcpp/server_builder.h>
 
 #include <cstdio>

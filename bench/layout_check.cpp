@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 How long it takes to check a layout, beside a plain double
-// loop over its pairs that applies the same rules and logs the same lines.
+// SPDX-License-Identifier: Apache-2.0
+// How long it takes to check a layout, beside a plain double loop over its pairs that applies the
+// same rules and logs the same lines.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle] [--watch]
 // Reports presses: M on each of N connections, after W that are not measured; one after the other,
-// or R a second in all, evenly. Tells how long they took: from the moment at which they were due, so
-// that a slow answer does not hide the wait of the next. With --idle it then stays connected until
-// its input ends; with --watch it watches its connections meanwhile, and so takes leave when it is
-// asked to.
+// or R a second in all, evenly. Tells how long they took: from the moment at which they were due,
+// so that a slow answer does not hide the wait of the next. With --idle it then stays connected
+// until its input ends; with --watch it watches its connections meanwhile, and so takes leave when
+// it is asked to.
 #include <grpcpp/create_channel.h>
 #include <pthread.h>
 #include <sys/prctl.h>

@@ -1,6 +1,8 @@
-// SPDX-License-Identifier: Apache-2.0 Usage: library_server | bare_server [SLEEP_MS] Initialises,
-// tells how long that took and what it holds, takes presses, each for SLEEP_MS, until its input
-// ends, finalises, and tells how long that took and how long the presses were on their way.
+// SPDX-License-Identifier: Apache-2.0
+// Usage: library_server | bare_server [SLEEP_MS]
+// Initialises, tells how long that took and what it holds, takes presses, each for SLEEP_MS, until
+// its input ends, finalises, and tells how long that took and how long the presses were on their
+// way.
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>

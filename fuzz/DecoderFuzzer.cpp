@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 Any bytes as a request to the library's server, and as a
-// reply to each of its calls, over real connections: those that can be decoded count with the value
-// that a reader of its own finds, and the others fail.
+// SPDX-License-Identifier: Apache-2.0
+// Any bytes as a request to the library's server, and as a reply to each of its calls, over real
+// connections: those that can be decoded count with the value that a reader of its own finds, and
+// the others fail.
 #include <grpcpp/create_channel.h>
 #include <grpcpp/generic/generic_stub.h>
 

@@ -1,7 +1,8 @@
-// SPDX-License-Identifier: Apache-2.0 Any order of the public functions and of presses, with peers
-// that answer anything: every result, everything sent, and the state in between are what the model
-// says. Peers that keep silent are left out, because each costs a call its whole deadline; one that
-// sends that status stands in for them.
+// SPDX-License-Identifier: Apache-2.0
+// Any order of the public functions and of presses, with peers that answer anything: every result,
+// everything sent, and the state in between are what the model says. Peers that keep silent are
+// left out, because each costs a call its whole deadline; one that sends that status stands in for
+// them.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <stdexcept>

@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 One channel to the robot side a process, and gRPC held open
-// for good. The program takes over the gRPC functions in question and counts the calls that come
-// from the library. A program of its own, because only the first callers of a process matter.
+// SPDX-License-Identifier: Apache-2.0
+// One channel to the robot side a process, and gRPC held open for good. The program takes over the
+// gRPC functions in question and counts the calls that come from the library. A program of its own,
+// because only the first callers of a process matter.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 How the simulated display answers: by itself, and when told
-// otherwise. Shown through the generated client.
+// SPDX-License-Identifier: Apache-2.0
+// How the simulated display answers: by itself, and when told otherwise. Shown through the
+// generated client.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 How the simulated recogniser reports presses. A second
-// simulator stands for the library: its robot side speaks the same protocol.
+// SPDX-License-Identifier: Apache-2.0
+// How the simulated recogniser reports presses. A second simulator stands for the library: its
+// robot side speaks the same protocol.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The public header alone, first and again at the end, as any
-// C++ standard since C++11 must accept it.
+// SPDX-License-Identifier: Apache-2.0
+// The public header alone, first and again at the end, as any C++ standard since C++11 must accept
+// it.
 #include "murlink_robot.h"
 
 int useEverything();

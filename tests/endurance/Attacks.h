@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 What clients that keep to no rule do to the library's server.
-// Each attack ends its connections, and waits until the server has closed them too: it has then
-// dealt with everything that was sent.
+// SPDX-License-Identifier: Apache-2.0
+// What clients that keep to no rule do to the library's server. Each attack ends its connections,
+// and waits until the server has closed them too: it has then dealt with everything that was sent.
 #ifndef MURLINK_TESTS_ATTACKS_H
 #define MURLINK_TESTS_ATTACKS_H
 

@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The wall clock is set, by a little or by a lot, just before a
-// call or while it waits: it is answered or ends by its deadline as ever. Deadlines are made from
-// that clock.
+// SPDX-License-Identifier: Apache-2.0
+// The wall clock is set, by a little or by a lot, just before a call or while it waits: it is
+// answered or ends by its deadline as ever. Deadlines are made from that clock.
 //
 // One thing is left out: gRPC's timers (1.51) wait for a time of day, so a call that nobody answers
 // may go on until a clock that was set back has caught up. That is shown with a second, not an

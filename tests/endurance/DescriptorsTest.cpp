@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 The process has used up its file descriptors, while it
-// listens, starts or calls: nothing crashes, and everything works again once there are free ones
-// and, for presses, foot touch was started anew.
+// SPDX-License-Identifier: Apache-2.0
+// The process has used up its file descriptors, while it listens, starts or calls: nothing crashes,
+// and everything works again once there are free ones and, for presses, foot touch was started
+// anew.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

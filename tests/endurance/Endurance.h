@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The two sizes of an endurance test, and its figures.
-// scripts/test runs the short ones; scripts/soak sets MURLINK_SOAK_MINUTES, and with it the long
-// ones.
+// SPDX-License-Identifier: Apache-2.0
+// The two sizes of an endurance test, and its figures. scripts/test runs the short ones;
+// scripts/soak sets MURLINK_SOAK_MINUTES, and with it the long ones.
 #ifndef MURLINK_TESTS_ENDURANCE_H
 #define MURLINK_TESTS_ENDURANCE_H
 

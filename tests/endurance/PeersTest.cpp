@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 The processes that the library calls are killed and stopped,
-// also in the middle of calls, and come back: nothing crashes or hangs, and everything works again
-// as soon as gRPC allows. Those that call the library are covered by RecognisersTest.
+// SPDX-License-Identifier: Apache-2.0
+// The processes that the library calls are killed and stopped, also in the middle of calls, and
+// come back: nothing crashes or hangs, and everything works again as soon as gRPC allows. Those
+// that call the library are covered by RecognisersTest.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The process that calls the library is killed and stopped,
-// also in the middle of a press, and comes back: nothing crashes or hangs, and its presses are
-// heard again at once.
+// SPDX-License-Identifier: Apache-2.0
+// The process that calls the library is killed and stopped, also in the middle of a press, and
+// comes back: nothing crashes or hangs, and its presses are heard again at once.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 A busy robot over a long time: four recognisers report 200
-// presses and releases a second, the application sends five layouts a second, and peers are
-// restarted again and again. The recognisers' own histories are the ledger that the application's
-// record is held against.
+// SPDX-License-Identifier: Apache-2.0
+// A busy robot over a long time: four recognisers report 200 presses and releases a second, the
+// application sends five layouts a second, and peers are restarted again and again. The
+// recognisers' own histories are the ledger that the application's record is held against.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,7 +1,8 @@
-// SPDX-License-Identifier: Apache-2.0 outgoing_call CALL FAULT [STEP AFTER]: makes one call of the
-// library under a fault, and prints its result, its microseconds, how many microseconds this
-// machine is late by itself, and the log. The wall clock is set by STEP seconds AFTER so many
-// milliseconds of the call; just before it when that is 0.
+// SPDX-License-Identifier: Apache-2.0
+// outgoing_call CALL FAULT [STEP AFTER]: makes one call of the library under a fault, and prints
+// its result, its microseconds, how many microseconds this machine is late by itself, and the log.
+// The wall clock is set by STEP seconds AFTER so many milliseconds of the call; just before it when
+// that is 0.
 //
 // A process makes one call only. After a failure the channel answers by itself for a while, and a
 // second call would meet that instead of the fault. Its network is its own, so many may run at

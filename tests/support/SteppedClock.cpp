@@ -1,6 +1,7 @@
-// SPDX-License-Identifier: Apache-2.0 The program takes over two functions of the C library. One
-// reads the clock. The other makes system calls: gRPC's locks wait for a time of day with it, and
-// the system knows nothing of our steps.
+// SPDX-License-Identifier: Apache-2.0
+// The program takes over two functions of the C library. One reads the clock. The other makes
+// system calls: gRPC's locks wait for a time of day with it, and the system knows nothing of our
+// steps.
 #include "SteppedClock.h"
 
 #include <dlfcn.h>
