@@ -31,27 +31,20 @@ def column(runs, key):
     return [[run[key] for run in runs[side]] for side in SIDES]
 
 
-# What is measured in turn by latency(): arguments of press(), but for plain TCP.
-LATENCIES = {
-    "library": {"side": "library"},
-    "bare": {"side": "bare"},
-    "formatted": {"side": "library", "formats_log": True},
-    "once more": {"side": "bare"},
-    "tcp": None,
-}
-
-
 def latency(programs, size):
     """One recogniser, one press after the other."""
-    def measure(name):
-        if name == "tcp":
-            return {"p50": programs.tell("tcp", size.presses)["p50_ns"] / 1e3}
-        how = LATENCIES[name]
-        return press(programs, how["side"], "--presses", size.presses,
-                     formats_log=how.get("formats_log", False))
+    def one(side, **how):
+        return press(programs, side, "--presses", size.presses, **how)
 
-    runs = in_turn(size.rounds, measure, tuple(LATENCIES))
-    p50 = {name: [run["p50"] for run in runs[name]] for name in LATENCIES}
+    measures = {
+        "library": lambda: one("library"),
+        "bare": lambda: one("bare"),
+        "formatted": lambda: one("library", formats_log=True),
+        "once more": lambda: one("bare"),
+        "tcp": lambda: {"p50": programs.tell("tcp", size.presses)["p50_ns"] / 1e3},
+    }
+    runs = in_turn(size.rounds, lambda name: measures[name](), tuple(measures))
+    p50 = {name: [run["p50"] for run in runs[name]] for name in measures}
     figures = [
         ratio("press, round trip p50, log silent", "≤ 1.03", *column(runs, "p50"), "µs"),
         ratio("press, round trip p50, its log lines formatted", "≤ 1.06", p50["formatted"],
