@@ -104,7 +104,7 @@ TEST(PressPort, IsNeverSharedWithAnotherApplication) {
   SimulatorProcess peers({"--quiet"});
   for (int i = 0; i < rounds && !::testing::Test::HasFailure(); ++i) {
     {
-      Conversation other({"env", "MURLINK_LOG=silent", FOOT_TOUCH_EXAMPLE});
+      Conversation other({"env", "MURLINK_LOG=silent", EXAMPLE_FOOT_TOUCH});
       other.waitFor("Press Enter to end.");
       waitUntilListening(MURLINK_DISPLAY_HOST, kPort);  // it need not be so far yet
       peers.command("set foot-touch off");

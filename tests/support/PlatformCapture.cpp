@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PlatformCapture.h"
 
+#include <algorithm>
 #include <array>
+#include <condition_variable>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
 #include <ostream>
-#include <regex>
 #include <thread>
+#include <utility>
 
 namespace {
 
 // What the library's threads find; they may log while the test goes on, and until the process ends.
 struct Platform {
   std::mutex mutex;
+  std::condition_variable logged;
   LogCapture* capture = nullptr;
   Device* device = nullptr;
   std::string slow_text;
@@ -32,6 +35,17 @@ LogLine line(int priority, std::string_view separator, std::string_view origin,
   std::string text(origin.substr(0, colon));
   text.append(separator).append(origin.substr(colon + 2)).append("(#) > ").append(body);
   return {priority, "murlink", text + "\n", {}};
+}
+
+// "File.cpp: function(#) > body" for "File.cpp: function(12) > body".
+std::string withoutLineNumber(std::string text) {
+  const auto end = text.find(") > ");
+  const auto begin = text.rfind('(', end);
+  if (end != std::string::npos && begin != std::string::npos && text[begin + 1] != '0' &&
+      text.find_first_not_of("0123456789", begin + 1) == end) {
+    text.replace(begin + 1, end - begin - 1, "#");
+  }
+  return text;
 }
 
 }  // namespace
@@ -102,19 +116,38 @@ std::vector<LogLine> LogCapture::lines() const {
   return lines_;
 }
 
+std::vector<LogLine> LogCapture::take() {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  return std::exchange(lines_, {});
+}
+
 std::size_t LogCapture::count() const {
   const std::lock_guard<std::mutex> lock(platform().mutex);
   return count_;
 }
 
+std::size_t LogCapture::count(const std::string& text) const {
+  const std::lock_guard<std::mutex> lock(platform().mutex);
+  return linesWith(text);
+}
+
+bool LogCapture::waitFor(const std::string& text) const {
+  std::unique_lock<std::mutex> lock(platform().mutex);
+  return platform().logged.wait_for(lock, std::chrono::seconds(10),
+                                    [&] { return linesWith(text) > 0; });
+}
+
+std::size_t LogCapture::linesWith(const std::string& text) const {
+  return static_cast<std::size_t>(std::count_if(
+      lines_.begin(), lines_.end(),
+      [&text](const LogLine& line) { return line.text.find(text) != std::string::npos; }));
+}
+
 void LogCapture::add(int priority, const char* tag, const char* text) {
-  static const std::regex line_number(R"(\([1-9]\d*\) > )");
   ++count_;
   if (mode_ == Keeping) {
-    lines_.push_back(
-        {priority, tag,
-         std::regex_replace(text, line_number, "(#) > ", std::regex_constants::format_first_only),
-         std::chrono::steady_clock::now()});
+    lines_.push_back({priority, tag, withoutLineNumber(text), std::chrono::steady_clock::now()});
+    platform().logged.notify_all();
   }
 }
 

@@ -41,7 +41,16 @@ class LogCapture {
   LogCapture& operator=(const LogCapture&) = delete;
 
   std::vector<LogLine> lines() const;
+  // The lines since the last time; the capture keeps none of them.
+  std::vector<LogLine> take();
+  // How many lines there were, those that were taken included.
   std::size_t count() const;
+
+  // Among the lines that are kept, those whose text contains `text`.
+  std::size_t count(const std::string& text) const;
+  bool has(const std::string& text) const { return count(text) > 0; }
+  // Waits until there is one, 10 s at most; false when none has come.
+  bool waitFor(const std::string& text) const;
 
  private:
   friend int dlog_print(int priority, const char* tag, const char* format, ...);
@@ -51,6 +60,7 @@ class LogCapture {
   std::size_t count_ = 0;
 
   void add(int priority, const char* tag, const char* text);
+  std::size_t linesWith(const std::string& text) const;
 };
 
 // A platform whose log takes its time over lines that contain a text, while it lives; one at a

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "support/PlatformProbe.h"
+#include "PlatformProbe.h"
 
 namespace {
 

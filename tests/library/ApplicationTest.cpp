@@ -62,7 +62,7 @@ TEST(CApplication, MayLoadTheLibraryAndLeaveItAndLoadItAgain) {
 TEST(GestureExample, GoesThroughAWholeLife) {
   SimulatorProcess robot;
 
-  const Finished finished = run({GESTURE_EXAMPLE});
+  const Finished finished = run({EXAMPLE_GESTURE});
 
   EXPECT_EQ(finished.exit_code, 0);
   EXPECT_EQ(finished.out,
@@ -73,7 +73,7 @@ TEST(GestureExample, GoesThroughAWholeLife) {
 }
 
 TEST(GestureExample, FailsWhenNobodyListens) {
-  const Finished finished = run({GESTURE_EXAMPLE});
+  const Finished finished = run({EXAMPLE_GESTURE});
 
   EXPECT_EQ(finished.exit_code, 1);
   EXPECT_EQ(finished.out, "switch on: failed with code 26710\n");
@@ -81,7 +81,7 @@ TEST(GestureExample, FailsWhenNobodyListens) {
 
 TEST(FootTouchExample, PrintsPressesUntilEnter) {
   SimulatorProcess peers;
-  Conversation example({FOOT_TOUCH_EXAMPLE});
+  Conversation example({EXAMPLE_FOOT_TOUCH});
   example.waitFor("Press Enter");
   waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
 
@@ -102,7 +102,7 @@ TEST(FootTouchExample, PrintsPressesUntilEnter) {
 }
 
 TEST(FootTouchExample, FailsWhenNobodyListens) {
-  const Finished finished = run({FOOT_TOUCH_EXAMPLE});
+  const Finished finished = run({EXAMPLE_FOOT_TOUCH});
 
   EXPECT_EQ(finished.exit_code, 1);
   EXPECT_THAT(finished.err, HasSubstr("foot touch is not to be had: 4"));

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ChildProcess.h"
+#include "support/ChildProcess.h"
 
 using Steps = std::vector<std::string>;
 using Environment = std::map<std::string, std::string>;

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "PlatformProbe.h"
 #include "support/OwnFolder.h"
-#include "support/PlatformProbe.h"
 
 namespace {
 
