@@ -6,10 +6,16 @@
 #include "RobotChannel.h"
 #include "murlink_robot.h"
 
+using murlink::Command;
+using murlink::Feature;
+using murlink::Level;
+using murlink::RobotCall;
+using murlink::RobotStub;
+
 namespace {
 
 constexpr Feature kFootTouch{
-    kSelectFootTouch,
+    murlink::kSelectFootTouch,
     {Level::Error, "foot touch is no more available", FOOT_TOUCH_ERROR_NOT_AVAILABLE},
     {Level::Error, "unknown cause to failure, error code %d", FOOT_TOUCH_ERROR_UNKNOWN},
     {Level::Error, "time out", FOOT_TOUCH_ERROR_TIMED_OUT},
@@ -65,7 +71,7 @@ FootTouchGrpcClient* FootTouchGrpcClient::getInstance() {
 }
 
 void FootTouchGrpcClient::setInstance(FootTouchGrpcClient* instance) {
-  // Shows the pointer that goes: the one that comes is known to the caller.
+  // The replaced pointer is logged: the caller knows the new one.
   LOG_INFO("set Instance %p", static_cast<void*>(_instance));
   _instance = instance;
 }
@@ -80,36 +86,38 @@ FootTouchGrpcClient::~FootTouchGrpcClient() {
 }
 
 int FootTouchGrpcClient::serviceOn() {
-  RobotCall call = prepare(kServiceOn);
+  RobotCall call(kServiceOn);
   LOG_INFO("FootTouchGrpcClient::serviceOn begin");
-  const Reply reply = call.send(robotStub());
-  // Asked only after the call: the peer must hear service_On even on a device without the lens.
+  call.send(*stub);
+  // Asked only after the call: the peer gets service_On even from a device without the lens.
   if (!is_kumbo_lens_supported()) {
     return FOOT_TOUCH_ERROR_NOT_SUPPORTED;
   }
-  return conclude(kServiceOn, reply, HERE);
+  return call.conclude(HERE);
 }
 
 int FootTouchGrpcClient::programRun() {
   LOG_INFO("programRun BIEGIN");
-  RobotCall call = prepare(kProgramRun);
+  RobotCall call(kProgramRun);
   LOG_INFO("stub ->program_run() begin");
-  const Reply reply = call.send(robotStub());
+  call.send(*stub);
   LOG_INFO("stub ->program_run() done");
-  return conclude(kProgramRun, reply, HERE);
+  return call.conclude(HERE);
 }
 
 int FootTouchGrpcClient::programStop() {
   LOG_INFO("programStop BEGIN");
-  RobotCall call = prepare(kProgramStop);
+  RobotCall call(kProgramStop);
   LOG_INFO("stub ->program_stop() begin");
-  const Reply reply = call.send(robotStub());
+  call.send(*stub);
   LOG_INFO("stub ->program_stop() done");
-  return conclude(kProgramStop, reply, HERE);
+  return call.conclude(HERE);
 }
 
 int FootTouchGrpcClient::serviceOff() {
-  return conclude(kServiceOff, prepare(kServiceOff).send(robotStub()), HERE);
+  RobotCall call(kServiceOff);
+  call.send(*stub);
+  return call.conclude(HERE);
 }
 
 bool is_kumbo_lens_supported() {

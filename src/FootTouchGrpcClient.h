@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The robot-side commands of foot touch.
+// The channel to the robot side, and the commands of foot touch.
 #ifndef MURLINK_FOOT_TOUCH_GRPC_CLIENT_H
 #define MURLINK_FOOT_TOUCH_GRPC_CLIENT_H
 
@@ -13,14 +13,17 @@ class IFootTouchGrpcClient {
   virtual int serviceOff() = 0;
 };
 
-// Keeps no state: channel and stub outlive every client. The commands may be called from any
-// thread.
+// Creates the channel and the stub to the robot side (RobotChannel.h) on the first call in the
+// process. Does not connect and does not wait. Any thread, any number of times.
+void initialize_grpc_client();
+
+// Has no state: channel and stub outlive every client. Any thread may call the commands.
 class FootTouchGrpcClient : public IFootTouchGrpcClient {
  public:
-  // The singleton, created on first use and never deleted here. Takes no lock: two first callers at
-  // once may each create a client, of which one is lost.
+  // The singleton, created on first use and never deleted by the library. Takes no lock: two threads
+  // that make the first call at once may each create a client, and one of the two leaks.
   static FootTouchGrpcClient* getInstance();
-  // Puts `instance`, which may be null, in its place. Whoever deletes a client sets null first.
+  // Replaces the singleton; `instance` may be null. Set null before you delete the singleton.
   static void setInstance(FootTouchGrpcClient* instance);
 
   FootTouchGrpcClient();
@@ -34,9 +37,9 @@ class FootTouchGrpcClient : public IFootTouchGrpcClient {
   static FootTouchGrpcClient* _instance;
 };
 
-static_assert(sizeof(FootTouchGrpcClient) == sizeof(void*), "nothing but the dispatch pointer");
+static_assert(sizeof(FootTouchGrpcClient) == sizeof(void*), "only the vtable pointer");
 
-// Whether the device knows the feature key of the switchable lens; asks the platform each time.
+// Whether the device knows the feature key of the switchable lens. Asks the platform on every call.
 bool is_kumbo_lens_supported();
 
 #endif

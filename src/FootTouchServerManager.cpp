@@ -5,8 +5,9 @@
 
 #include "GrpcServer.h"
 #include "Log.h"
+#include "NeverDestroyed.h"
 
-const std::string& address = *new std::string(MURLINK_CALLBACK_ENDPOINT);
+const std::string& address = murlink::neverDestroyed<const std::string>(MURLINK_CALLBACK_ENDPOINT);
 
 FootTouchServerManager* FootTouchServerManager::_instance = nullptr;
 
@@ -50,7 +51,7 @@ int FootTouchServerManager::ServerRun() {
     }
     foot_touch_server->run_server();
   } catch (...) {
-    // What is held counts as running, so that nobody would ever start it.
+    // A server that is held counts as running: kept, this one would never be started.
     FootTouch_Server::releaseInstance(0);
     foot_touch_server = nullptr;
     throw;
@@ -85,10 +86,12 @@ int FootTouchServerManager::SendBtnInfo(std::vector<button>& buttons) {
     LOG_ERROR("WARNING: not initialized, initialize before set buttons");
     return FOOT_TOUCH_ERROR_SERVER_NOT_READY;
   }
-  return layoutResult(foot_touch_server->send_button_info(buttons));
+  return murlink::layoutResult(foot_touch_server->send_button_info(buttons));
 }
 
-// Knows 5 although a late answer comes back as 4 today, like every other failed call.
+namespace murlink {
+
+// 5 is mapped although send_button_info() does not return it: it reports a time-out as 4.
 int layoutResult(int sent) {
   switch (sent) {
     case 0:
@@ -102,7 +105,9 @@ int layoutResult(int sent) {
   }
 }
 
-// NOLINTNEXTLINE(readability-convert-member-functions-to-static): callers have it as a member
+}  // namespace murlink
+
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static): a fixed signature
 FootTouch_Server* FootTouchServerManager::get_server_instance() {
   return FootTouch_Server::getInstance();
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Decides when the callback server is made, started and torn down, and feeds it.
+// Creates, starts and stops the callback server, and passes callbacks and layouts on to it.
 #ifndef MURLINK_FOOT_TOUCH_SERVER_MANAGER_H
 #define MURLINK_FOOT_TOUCH_SERVER_MANAGER_H
 
@@ -11,16 +11,15 @@
 
 class FootTouch_Server;
 
-// Where the callback server listens, as host:port. Never destroyed: another thread may initialise
-// foot touch while the process ends.
+// Where the callback server listens, as host:port.
 extern const std::string& address;
 
-// The operations are for one thread at a time.
+// One thread at a time.
 class IFootTouchServerManager {
  public:
   virtual ~IFootTouchServerManager() = default;
-  // 0 when the server runs or one is held already, 1 when the display could not be told. Blocks for
-  // 1 s at most.
+  // 0 when the server was started or one is held already, 1 when the display did not acknowledge
+  // the address. Blocks for 1 s at most.
   virtual int ServerRun() = 0;
   // Always 0. Blocks until running callbacks have returned.
   virtual int ServerStop() = 0;
@@ -30,14 +29,18 @@ class IFootTouchServerManager {
   virtual int SendBtnInfo(std::vector<button>& buttons) = 0;
 };
 
-// What becomes of a result of FootTouch_Server::send_button_info(): a FOOT_TOUCH_ERROR_... code.
+namespace murlink {
+
+// The FOOT_TOUCH_ERROR_... code for a result of FootTouch_Server::send_button_info().
 int layoutResult(int sent);
+
+}  // namespace murlink
 
 class FootTouchServerManager : public IFootTouchServerManager {
  public:
-  // The singleton, created on first use and never deleted here.
+  // The singleton, created on first use and never deleted by the library.
   static FootTouchServerManager* GetInstance();
-  // Puts `instance` in its place; the former one is neither deleted nor stopped.
+  // Replaces the singleton. Neither deletes nor stops the old one.
   static void setInstance(FootTouchServerManager* instance);
 
   FootTouchServerManager();
@@ -48,14 +51,14 @@ class FootTouchServerManager : public IFootTouchServerManager {
   int SetBtnCB(std::function<void(int, int, void*)> button_cb, void* user_data) override;
   int SendBtnInfo(std::vector<button>& buttons) override;
 
-  // The process's server, made when there is none: never null, and not always the one held here.
+  // The process's server, created when there is none: never null, and not always the one held here.
   FootTouch_Server* get_server_instance();
 
   static FootTouchServerManager* _instance;
 
  private:
-  // Owned by FootTouch_Server, whose releaseInstance() deletes it. Whatever stands here counts as
-  // running, even an instance that was only made to keep a callback.
+  // Owned by FootTouch_Server, whose releaseInstance() deletes it. Counts as running when set, even
+  // if it was only created to store a callback.
   FootTouch_Server* foot_touch_server = nullptr;
 };
 

@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "GestureRecognition.h"
 
+#include "FootTouchGrpcClient.h"
 #include "Log.h"
 #include "RobotCall.h"
 #include "RobotChannel.h"
 #include "murlink_robot.h"
 
+using murlink::Command;
+using murlink::Feature;
+using murlink::Level;
+using murlink::RobotCall;
+using murlink::RobotStub;
+
 namespace {
 
 constexpr Feature kGestureRecognition{
-    kSelectGestureRecognition,
+    murlink::kSelectGestureRecognition,
     {Level::Info, "gesture recognition is no more available",
      GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE},
     {Level::Error, "unknown cause to failure, error code %d", GESTURE_RECOGNITION_ERROR_UNKNOWN},
@@ -46,8 +53,7 @@ constexpr Command kStopRecognition{
      GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED},
 };
 
-// Stops recognition, like kStopRecognition; the service itself stays on, which is what robots in
-// the field expect. Only the wording and the numbers differ.
+// Sends the same rpc as kStopRecognition, so the service stays on. Only texts and results differ.
 constexpr Command kFinalize{
     kGestureRecognition,
     &RobotStub::program_stop,
@@ -57,6 +63,13 @@ constexpr Command kFinalize{
     {Level::Error, "gesture recognition service finalize failed, status not ok.",
      GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED},
 };
+
+// One command: sent, and concluded as a line of `site`.
+int carryOut(const Command& command, const murlink::CallSite& site) {
+  RobotCall call(command);
+  call.send(*stub);
+  return call.conclude(site);
+}
 
 }  // namespace
 
@@ -93,24 +106,24 @@ int GestureRecognition::InitGrpcClient() {
 
 int GestureRecognition::Initialize() {
   InitGrpcClient();
-  LOG_INFO("%d,%d----", kSelectGestureRecognition, kSelectFootTouch);
-  return conclude(kInitialize, prepare(kInitialize).send(robotStub()), HERE);
+  LOG_INFO("%d,%d----", murlink::kSelectGestureRecognition, murlink::kSelectFootTouch);
+  return carryOut(kInitialize, HERE);
 }
 
 int GestureRecognition::StartRecognition() {
   InitGrpcClient();
-  return conclude(kStartRecognition, prepare(kStartRecognition).send(robotStub()), HERE);
+  return carryOut(kStartRecognition, HERE);
 }
 
 int GestureRecognition::StopRecognition() {
   InitGrpcClient();
-  return conclude(kStopRecognition, prepare(kStopRecognition).send(robotStub()), HERE);
+  return carryOut(kStopRecognition, HERE);
 }
 
 int GestureRecognition::Finalize() {
-  // Not through the virtual operation: a subclass that replaces InitGrpcClient is not asked here.
+  // Called directly: an override of InitGrpcClient() does not run here.
   initialize_grpc_client();
-  return conclude(kFinalize, prepare(kFinalize).send(robotStub()), HERE);
+  return carryOut(kFinalize, HERE);
 }
 
 int gesture_recognition_initialize() {

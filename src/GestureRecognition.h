@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// The controller behind the gesture functions of murlink_robot.h, which say what each operation
-// does and returns. It keeps no state: only the robot side knows what is on or running.
+// The controller behind the gesture functions of murlink_robot.h, which documents what each
+// operation does and returns. It has no state: only the robot side knows what is on or running.
 #ifndef MURLINK_GESTURE_RECOGNITION_H
 #define MURLINK_GESTURE_RECOGNITION_H
 
 class GestureRecognition {
  public:
-  // The singleton, created on first use. None of the three takes a lock: one thread at a time.
+  // The singleton, created on first use. None of these three takes a lock: one thread at a time.
   static GestureRecognition* GetInstance();
-  // Puts `p` in its place; the former controller is not deleted and is the caller's to keep track
-  // of.
+  // Replaces the singleton. Does not delete the old controller.
   static void SetInstance(GestureRecognition* p);
-  // Deletes the stored controller, whatever `p` is; does nothing when there is none.
+  // Deletes the singleton, if there is one. Ignores `p`.
   static void ReleaseInstance(GestureRecognition* p);
 
   GestureRecognition();
@@ -26,6 +25,6 @@ class GestureRecognition {
   static GestureRecognition* instance;
 };
 
-static_assert(sizeof(GestureRecognition) == sizeof(void*), "nothing but the dispatch pointer");
+static_assert(sizeof(GestureRecognition) == sizeof(void*), "only the vtable pointer");
 
 #endif

@@ -8,38 +8,21 @@
 #include <exception>
 
 #include "Log.h"
+#include "NeverDestroyed.h"
 #include "ServerSetup.h"
 #include "UnaryCall.h"
 
+using murlink::CallRow;
+using murlink::Level;
+using murlink::UnaryCall;
+using murlink::Verdict;
 using zet::protobuf::app::Buttons;
 using zet::protobuf::app::Quarlo_TV_GRPC;
 
-const std::string& tv_server_address = *new std::string(MURLINK_DISPLAY_ENDPOINT);
+const std::string& tv_server_address =
+    murlink::neverDestroyed<const std::string>(MURLINK_DISPLAY_ENDPOINT);
 
-namespace {
-
-constexpr std::chrono::seconds kAddressDeadline{1};
-constexpr std::chrono::seconds kLayoutDeadline{2};
-
-constexpr int kCallbackNotSet = 4;
-
-constexpr int kCallFailed = 4;
-constexpr int kRefused = 6;
-
-Buttons toMessage(const std::vector<button>& buttons) {
-  Buttons message;
-  for (const button& one : buttons) {
-    auto* const added = message.add_buttons();
-    added->set_id(one.id);
-    added->set_start(one.start);
-    added->set_ending(one.end);
-  }
-  return message;
-}
-
-}  // namespace
-
-// ---- The one instance
+// ---- The instance
 
 FootTouch_Server* FootTouch_Server::_instance = nullptr;
 
@@ -88,12 +71,14 @@ int FootTouch_Server::initialize(std::string listening_address) {
   return 0;
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): callers have it by value
-bool FootTouch_Server::same_address(std::string other) const {
+// The signatures of these two are fixed.
+// NOLINTNEXTLINE(performance-unnecessary-value-param,readability-make-member-function-const)
+bool FootTouch_Server::same_address(std::string other) {
   return other == server_address;
 }
 
-std::string FootTouch_Server::get_address() const {
+// NOLINTNEXTLINE(readability-make-member-function-const)
+std::string FootTouch_Server::get_address() {
   return server_address;
 }
 
@@ -116,20 +101,20 @@ void FootTouch_Server::run_server() {
            server_thread->joinable() ? "server_thread started" : "server_thread failed to start");
 }
 
-// The server thread. `server` is its own until it has said that it is settled.
+// The body of the server thread. Until it fulfils `settled`, no other thread may use `server`.
 void FootTouch_Server::serve(std::promise<void> settled, std::promise<void> left) {
   LOG_INFO("server_thread create start");
   try {
     grpc::ServerBuilder builder;
     LOG_INFO("Builder decleared");
-    setLimits(builder);
+    murlink::setLimits(builder);
     builder.AddListeningPort(server_address, grpc::InsecureServerCredentials());
     LOG_INFO("Builder listening port created");
     builder.RegisterService(_instance);
     LOG_INFO("Builder construction complete");
-    server = build(builder);
+    server = murlink::build(builder);
   } catch (const std::exception& failure) {
-    // Nobody above could catch it: it would end the process.
+    // On this thread nothing else would catch it, and the process would end.
     LOG_ERROR("cannot listen on %s: %s", server_address.c_str(), failure.what());
     settled.set_value();
     return;
@@ -150,13 +135,14 @@ void FootTouch_Server::terminate_server() {
   LOG_INFO("terminate_server");
   const bool has_thread = server_thread != nullptr && server_thread->joinable();
   if (has_thread) {
-    // A thread that still builds its server would go on to wait for a shutdown that nobody sends.
+    // A thread that is still building its server would wait afterwards for a shutdown that has
+    // already happened.
     server_settled.wait();
   }
   if (server != nullptr) {
     LOG_INFO("shutting down");
     reports.shutDown(*server);
-    // The thread may still be about to enter Wait, or on its way out of it.
+    // The thread may still be entering or leaving Wait().
     server_left.wait();
     server.reset();
     LOG_ERROR("server shutdown");
@@ -178,10 +164,10 @@ void FootTouch_Server::terminate_server() {
 
 struct FootTouch_Server::Event {
   int state;
-  CallSite site;
-  LogText begin;
-  LogText request;
-  LogText done;
+  murlink::CallSite site;
+  murlink::LogText begin;
+  murlink::LogText request;
+  murlink::LogText done;
 };
 
 grpc::Status FootTouch_Server::service_On(grpc::ServerContext* /*context*/,
@@ -200,79 +186,103 @@ grpc::Status FootTouch_Server::service_Off(grpc::ServerContext* /*context*/,
 
 grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& request,
                                       StatusResponse& response) {
-  const RunningReports::One running(reports);
-  const auto [call_back, data] = callback();
-  if (!call_back) {
+  constexpr int kCallbackNotSet = 4;
+  const murlink::RunningReports::InFlight in_flight(reports);
+  const Callback callback = currentCallback();
+  if (!callback.function) {
     LOG_AT(Level::Error, event.site, "callback not set");
     response.set_s(kCallbackNotSet);
     return grpc::Status::OK;
   }
   logLine(Level::Info, event.site, event.begin);
   logLine(Level::Info, event.site, event.request, request.x());
-  call_back(request.x(), event.state, data);
+  callback.function(request.x(), event.state, callback.data);
   response.set_s(0);
   logLine(Level::Info, event.site, event.done);
   return grpc::Status::OK;
 }
 
-// A copy, so that a press sees the old pair or the new one, and may replace it itself.
-std::pair<FootTouch_Server::ButtonCallback, void*> FootTouch_Server::callback() {
+FootTouch_Server::Callback FootTouch_Server::currentCallback() {
   const std::lock_guard<std::mutex> lock(callback_mutex);
-  return {button_cb, user_data};
+  return {callback_owner, button_cb, user_data};
 }
 
 void FootTouch_Server::set_button_cb(ButtonCallback callback, void* data) {
-  // The former callback is destroyed with the argument, after the lock has been let go.
+  auto owner = std::make_shared<ButtonCallback>(std::move(callback));
+  ButtonCallback function = *owner ? ButtonCallback(std::ref(*owner)) : nullptr;
+  // The former callback is destroyed at the end, without the lock, unless a press still calls it.
   const std::lock_guard<std::mutex> lock(callback_mutex);
-  button_cb.swap(callback);
+  callback_owner.swap(owner);
+  button_cb.swap(function);
   user_data = data;
 }
 
 // ---- Display
 
+namespace {
+
+constexpr char kUnknown[] = "unknown cause to failure, error code %d";
+
+constexpr int kAddressLost = 1;
+constexpr Verdict kAddressRefused{Level::Error, kUnknown, kAddressLost};
+constexpr CallRow<Quarlo_TV_GRPC::Stub, StringMessage> kSetAddress{
+    &Quarlo_TV_GRPC::Stub::setFootTouchAPIServerAddress,
+    std::chrono::seconds(1),
+    {{Level::Info, "sync_address OK", 0},
+     kAddressRefused,
+     kAddressRefused,
+     kAddressRefused,
+     {Level::Error, "time out", kAddressLost},
+     {Level::Error, "sync_address failed, status not ok.", kAddressLost}}};
+
+constexpr Verdict kLayoutRefused{Level::Error, kUnknown, 6};
+constexpr Verdict kLayoutLost{Level::Error, "send_button_info failed, status not ok.", 4};
+constexpr CallRow<Quarlo_TV_GRPC::Stub, Buttons> kSetButtons{
+    &Quarlo_TV_GRPC::Stub::setButtons,
+    std::chrono::seconds(2),
+    {{Level::Info, "send_button_info successed", 0},
+     kLayoutRefused,
+     kLayoutRefused,
+     kLayoutRefused,
+     kLayoutLost,
+     kLayoutLost}};
+
+StringMessage toMessage(const std::string& text) {
+  StringMessage message;
+  message.set_s(text);
+  return message;
+}
+
+Buttons toMessage(const std::vector<button>& buttons) {
+  Buttons message;
+  for (const button& one : buttons) {
+    auto* const added = message.add_buttons();
+    added->set_id(one.id);
+    added->set_start(one.start);
+    added->set_ending(one.end);
+  }
+  return message;
+}
+
+}  // namespace
+
+// Without initialize() there is no stub, and both calls fail without being sent.
+
 bool FootTouch_Server::sync_address() {
   LOG_INFO("sync_address");
-  if (tv_stub == nullptr) {
-    LOG_ERROR("sync_address failed, status not ok.");
-    return false;
+  UnaryCall call(kSetAddress, toMessage(server_address));
+  if (tv_stub != nullptr) {
+    LOG_INFO("the address is :%s", server_address.c_str());
+    LOG_INFO("send address");
+    call.send(*tv_stub);
   }
-  StringMessage request;
-  request.set_s(server_address);
-  UnaryCall call(&Quarlo_TV_GRPC::Stub::setFootTouchAPIServerAddress, request, kAddressDeadline);
-  LOG_INFO("the address is :%s", server_address.c_str());
-  LOG_INFO("send address");
-  const Reply reply = call.send(*tv_stub);
-  if (reply.status.error_code() == grpc::StatusCode::DEADLINE_EXCEEDED) {
-    LOG_ERROR("time out");
-    return false;
-  }
-  if (!reply.status.ok()) {
-    LOG_ERROR("sync_address failed, status not ok.");
-    return false;
-  }
-  if (reply.s != 0) {
-    LOG_ERROR("unknown cause to failure, error code %d", reply.s);
-    return false;
-  }
-  LOG_INFO("sync_address OK");
-  return true;
+  return call.conclude(HERE) == 0;
 }
 
 int FootTouch_Server::send_button_info(std::vector<button>& buttons) {
-  if (tv_stub == nullptr) {
-    LOG_ERROR("send_button_info failed, status not ok.");
-    return kCallFailed;
+  UnaryCall call(kSetButtons, toMessage(buttons));
+  if (tv_stub != nullptr) {
+    call.send(*tv_stub);
   }
-  UnaryCall call(&Quarlo_TV_GRPC::Stub::setButtons, toMessage(buttons), kLayoutDeadline);
-  const Reply reply = call.send(*tv_stub);
-  if (!reply.status.ok()) {
-    LOG_ERROR("send_button_info failed, status not ok.");
-    return kCallFailed;
-  }
-  if (reply.s != 0) {
-    LOG_ERROR("unknown cause to failure, error code %d", reply.s);
-    return kRefused;
-  }
-  LOG_INFO("send_button_info successed");
-  return 0;
+  return call.conclude(HERE);
 }

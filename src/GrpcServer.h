@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library's own server, through which the recogniser reports presses, and the channel to the
-// display, which is told where that server listens and which buttons there are.
+// The callback server, through which the recogniser reports presses, and the channel to the display,
+// which gets the server's address and the button layouts.
 #ifndef MURLINK_GRPC_SERVER_H
 #define MURLINK_GRPC_SERVER_H
 
@@ -21,72 +21,79 @@
 #include "RunningReports.h"
 #include "murlink_robot.h"
 
-// The display side, as host:port. Never destroyed: another thread may initialise foot touch while
-// the process ends.
+// The display side, as host:port.
 extern const std::string& tv_server_address;
 
-// service_On and service_Off run on gRPC's threads, several at once; everything else is for one
-// thread at a time.
+// gRPC calls service_On and service_Off on its own threads, several at once. Everything else is for
+// one thread at a time.
 class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
  public:
   using ButtonCallback = std::function<void(int, int, void*)>;
 
-  // The process's only server, made on first use.
+  // The process's only server, created on first use.
   static FootTouch_Server* getInstance();
-  // Deletes it; when `shutdown_first` is 1, and only then, after terminate_server().
+  // Deletes it. Only when `shutdown_first` is 1, terminate_server() runs before.
   static void releaseInstance(int shutdown_first);
 
   FootTouch_Server();
   ~FootTouch_Server() override;
 
-  // A foot touches the button `x`, or leaves it. Calls the callback and answers 0 once it has
-  // returned, or 4 when none is set; the status is always OK.
+  // A foot touches or leaves the button `x`. Calls the callback and, when that has returned, answers
+  // 0; answers 4 when no callback is set. The status is always OK.
   grpc::Status service_On(grpc::ServerContext* context, const IntMessage* request,
                           StatusResponse* response) override;
   grpc::Status service_Off(grpc::ServerContext* context, const IntMessage* request,
                            StatusResponse* response) override;
 
-  // Keeps the address and tells the display. 0, or 1 when the display does not acknowledge it.
+  // Stores the address and sends it to the display. 1 when the display does not acknowledge it, else
+  // 0.
   int initialize(std::string listening_address);
-  bool same_address(std::string other) const;
-  std::string get_address() const;
+  bool same_address(std::string other);
+  std::string get_address();
 
-  // Starts to listen on a thread of its own. How that went is only logged.
+  // Starts a thread that builds the server and listens. Failures are only logged.
   void run_server();
   // Stops listening, waits without limit for running callbacks, and joins the thread.
   void terminate_server();
 
   void set_button_cb(ButtonCallback callback, void* data);
 
-  // Tell the display; block for 1 s and 2 s at most.
+  // Sends the address to the display. Blocks for 1 s at most.
   bool sync_address();
-  // 0 done, 4 the call failed, 6 the display answered with a failure.
+  // Sends a layout to the display. Blocks for 2 s at most. 0 when the display accepted it, 4 when the
+  // call failed, 6 when the display answered with a failure.
   int send_button_info(std::vector<button>& buttons);
 
   static FootTouch_Server* _instance;
 
  private:
   struct Event;
+  // What a press calls. It shares the function object, which may be replaced while it runs.
+  struct [[gnu::visibility("hidden")]] Callback {
+    std::shared_ptr<ButtonCallback> owner;
+    ButtonCallback function;
+    void* data;
+  };
 
   std::string server_address;
   std::unique_ptr<std::thread> server_thread;
   std::unique_ptr<grpc::Server> server;
-  ButtonCallback button_cb;
+  std::shared_ptr<ButtonCallback> callback_owner;  // the function object that was set
+  ButtonCallback button_cb;                        // calls it; empty when it is empty
   std::shared_ptr<grpc::Channel> tv_channel;
   std::unique_ptr<zet::protobuf::app::Quarlo_TV_GRPC::Stub> tv_stub;
   void* user_data = nullptr;
 
-  // Guards button_cb and user_data; never held while a callback runs.
+  // Guards callback_owner, button_cb and user_data; never held while a callback runs.
   std::mutex callback_mutex;
-  // What the server thread says: that `server` is set, or stays null; and that it no longer uses
-  // it.
+  // What the server thread has reached: `server` is set, or stays null; and it no longer uses it.
   std::future<void> server_settled;
   std::future<void> server_left;
 
-  RunningReports reports;
+  murlink::RunningReports reports;
 
   [[gnu::visibility("hidden")]] void serve(std::promise<void> settled, std::promise<void> left);
-  [[gnu::visibility("hidden")]] std::pair<ButtonCallback, void*> callback();
+  [[gnu::visibility("hidden")]] Callback currentCallback();
   [[gnu::visibility("hidden")]] grpc::Status report(const Event& event, const IntMessage& request,
                                                     StatusResponse& response);
 };

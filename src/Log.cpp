@@ -3,12 +3,16 @@
 
 #include <algorithm>
 
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): written as far as it is read
+namespace murlink {
+
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only the bytes up to '\0' are initialised
 LineFormat::LineFormat(Level level, const LogText& body) {
-  // The blank before the colon tells errors from information in the prefix itself.
+  // The blank before the colon marks errors in the prefix itself.
   const LogText prefix = level == Level::Error ? LogText("%s : %s(%d) > ") : "%s: %s(%d) > ";
   char* end = std::copy_n(prefix.text, prefix.length, text_);
   end = std::copy_n(body.text, body.length, end);
   *end++ = '\n';
   *end = '\0';
 }
+
+}  // namespace murlink

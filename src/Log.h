@@ -10,35 +10,32 @@
 
 #include "murlink_platform.h"
 
+namespace murlink {
+
 enum class Level { Info = DLOG_INFO, Error = DLOG_ERROR };
 
-// The place that a line names. A helper that logs for its caller is handed the caller's.
+// The source line that a log line names. A helper that logs for its caller gets the caller's.
 struct CallSite {
   const char* file;
   const char* function;
   int line;
 };
 
-#define HERE                          \
-  CallSite {                          \
-    __FILE_NAME__, __func__, __LINE__ \
-  }
-
-// A printf format without prefix and newline. Made of literals alone, so that its length is known.
+// A printf format without prefix and newline. Made from literals only, so its length is a constant.
 struct LogText {
-  static constexpr std::size_t kLongest = 200;
+  static constexpr std::size_t kMaxLength = 200;
 
   template <std::size_t Size>
   constexpr LogText(const char (&literal)[Size]) : text(literal), length(Size - 1) {
-    static_assert(Size - 1 <= kLongest);
+    static_assert(Size - 1 <= kMaxLength);
   }
 
   const char* text;
   std::size_t length;
 };
 
-// The whole line as one format, for the platform to fill in: so it is formatted once, and not at
-// all where nobody will see it.
+// Prefix, body and newline as one printf format. The platform formats it, once, or not at all when
+// it drops the line.
 class LineFormat {
  public:
   LineFormat(Level level, const LogText& body);
@@ -46,29 +43,36 @@ class LineFormat {
   const char* text() const { return text_; }
 
  private:
-  char text_[LogText::kLongest + 32];
+  char text_[LogText::kMaxLength + 32];
 };
 
 inline constexpr char kLogTag[] = "murlink";
 
-// For texts of a table; where the text is a literal, the macros below compare it with its
-// arguments.
+// For texts from a table. For literals use the macros below, which check the arguments' types.
 template <typename... Arguments>
 void logLine(Level level, const CallSite& site, const LogText& body, Arguments... arguments) {
   dlog_print(static_cast<int>(level), kLogTag, LineFormat(level, body).text(), site.file,
              site.function, site.line, arguments...);
 }
 
-// Not defined.
-[[gnu::format(printf, 1, 2)]] int checkedFormat(const char* body, ...);
+// Never called and not defined: the compiler checks a format and its arguments against it.
+[[gnu::format(printf, 1, 2)]] int checkFormat(const char* body, ...);
 
-#define LOG_AT(level, site, ...)                           \
-  do {                                                     \
-    static_cast<void>(sizeof(checkedFormat(__VA_ARGS__))); \
-    logLine(level, site, __VA_ARGS__);                     \
+}  // namespace murlink
+
+// The call site of this very line.
+#define HERE                          \
+  ::murlink::CallSite {               \
+    __FILE_NAME__, __func__, __LINE__ \
+  }
+
+#define LOG_AT(level, site, ...)                                    \
+  do {                                                              \
+    static_cast<void>(sizeof(::murlink::checkFormat(__VA_ARGS__))); \
+    ::murlink::logLine(level, site, __VA_ARGS__);                   \
   } while (false)
 
-#define LOG_INFO(...) LOG_AT(Level::Info, HERE, __VA_ARGS__)
-#define LOG_ERROR(...) LOG_AT(Level::Error, HERE, __VA_ARGS__)
+#define LOG_INFO(...) LOG_AT(::murlink::Level::Info, HERE, __VA_ARGS__)
+#define LOG_ERROR(...) LOG_AT(::murlink::Level::Error, HERE, __VA_ARGS__)
 
 #endif

@@ -1,26 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a remote command of the robot side is, and what its outcome means. Both features share it:
-// they differ in the values of their rows, never in code.
+// The commands of the robot side, which both features share.
 #ifndef MURLINK_ROBOT_CALL_H
 #define MURLINK_ROBOT_CALL_H
 
-#include "Log.h"
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "UnaryCall.h"
 
+namespace murlink {
+
 using RobotStub = zet::protobuf::app::Quarlo_RB_GRPC::Stub;
-using RobotCall = UnaryCall<RobotStub, IntMessage>;
+using RobotRow = CallRow<RobotStub, IntMessage>;
 
-// How the robot side tells the features apart.
+// The feature that a command is for: the request's `x`.
 enum Selector { kSelectGestureRecognition = 1, kSelectFootTouch = 2 };
-
-// One way in which a command can end. `text` is a printf format for the answer `s`; most texts do
-// not show it.
-struct Verdict {
-  Level level;
-  LogText text;
-  int result;
-};
 
 // What all commands of a feature have in common.
 struct Feature {
@@ -30,22 +22,24 @@ struct Feature {
   Verdict timed_out;
 };
 
-// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): made as a whole only
+// What the robot side is asked to do, and how that can end.
 struct Command {
-  const Feature& feature;
-  RobotCall::Rpc rpc;
-  Verdict done;
-  Verdict already;
-  Verdict not_ok;
+  constexpr Command(const Feature& feature, decltype(RobotRow::rpc) rpc, const Verdict& done,
+                    const Verdict& already, const Verdict& not_ok)
+      : selector(feature.selector),
+        row{rpc,
+            std::chrono::seconds(2),
+            {done, already, feature.gone, feature.unknown, feature.timed_out, not_ok}} {}
+
+  Selector selector;
+  RobotRow row;
 };
 
-// The call that carries out a command. It has 2 s from now on.
-RobotCall prepare(const Command& command);
+class RobotCall : public UnaryCall<RobotStub, IntMessage> {
+ public:
+  explicit RobotCall(const Command& command);
+};
 
-// Which verdict a reply earns. Looks at the status code and, only when that is OK, at the answer.
-const Verdict& judge(const Command& command, const Reply& reply);
-
-// Logs the verdict on a reply as a line of `site`, and returns its result.
-int conclude(const Command& command, const Reply& reply, const CallSite& site);
+}  // namespace murlink
 
 #endif

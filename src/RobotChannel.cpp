@@ -7,34 +7,24 @@
 
 #include <mutex>
 
-std::string robot_server_address;
-std::shared_ptr<grpc::Channel> channel;
-std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub> stub;
+#include "FootTouchGrpcClient.h"
+#include "NeverDestroyed.h"
 
-namespace {
+using murlink::neverDestroyed;
+using zet::protobuf::app::Quarlo_RB_GRPC;
 
-zet::protobuf::app::Quarlo_RB_GRPC::Stub* lasting_stub = nullptr;
-
-// Destroyed before `stub`, since it is defined after it: leaves it nothing to delete. The stub has
-// a share of the channel, so that lasts as well.
-struct StubKeeper {
-  ~StubKeeper() { static_cast<void>(stub.release()); }
-} keeper;
-
-}  // namespace
+std::string& robot_server_address = neverDestroyed<std::string>();
+std::shared_ptr<grpc::Channel>& channel = neverDestroyed<std::shared_ptr<grpc::Channel>>();
+std::unique_ptr<Quarlo_RB_GRPC::Stub>& stub =
+    neverDestroyed<std::unique_ptr<Quarlo_RB_GRPC::Stub>>();
 
 void initialize_grpc_client() {
   static std::once_flag init_flag;
   std::call_once(init_flag, [] {
-    // Never undone: whatever else in the process uses gRPC and lets go of it, ours stays usable.
+    // Never undone: when other users of gRPC in this process shut it down, it stays usable for us.
     grpc_init();
     robot_server_address = MURLINK_ROBOT_ENDPOINT;
     channel = grpc::CreateChannel(robot_server_address, grpc::InsecureChannelCredentials());
-    stub = zet::protobuf::app::Quarlo_RB_GRPC::NewStub(channel);
-    lasting_stub = stub.get();
+    stub = Quarlo_RB_GRPC::NewStub(channel);
   });
-}
-
-zet::protobuf::app::Quarlo_RB_GRPC::Stub& robotStub() {
-  return *lasting_stub;
 }

@@ -10,19 +10,10 @@
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 
-// All three are empty until initialize_grpc_client() and then stay as they are: after a failed call
-// gRPC reconnects inside the channel. Destroyed in reverse order, the stub before its channel.
-// Calls go through robotStub().
-extern std::string robot_server_address;
-extern std::shared_ptr<grpc::Channel> channel;
-extern std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub> stub;
-
-// Creates the channel and the stub on its first call in the process; connects to nothing and does
-// not wait. Any thread, any number of times.
-void initialize_grpc_client();
-
-// What `stub` holds, for calls, after initialize_grpc_client(). It outlives `stub`: another thread
-// may call, or go on with a call, while the process ends and destroys its static objects.
-zet::protobuf::app::Quarlo_RB_GRPC::Stub& robotStub();
+// Empty until initialize_grpc_client() (FootTouchGrpcClient.h) sets them; then they stay as they
+// are: after a failed call gRPC reconnects inside the channel. Calls may run on any thread.
+extern std::string& robot_server_address;
+extern std::shared_ptr<grpc::Channel>& channel;
+extern std::unique_ptr<zet::protobuf::app::Quarlo_RB_GRPC::Stub>& stub;
 
 #endif

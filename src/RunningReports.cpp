@@ -6,50 +6,54 @@
 #include <algorithm>
 #include <exception>
 
+namespace murlink {
+
 namespace {
 
-// How long a client has to take its answer.
-constexpr std::chrono::seconds kFarewell{1};
+// How long gRPC has to send the answer to a report whose callback has returned.
+constexpr std::chrono::seconds kAnswerGrace{1};
 
-// How long one without an answer to take has to say goodbye, and a press that has come to begin: on
-// a processor that has slept, that takes its time. Few clients do say goodbye, unless they have
-// other calls: gRPC looks at an idle connection every few seconds.
-constexpr std::chrono::milliseconds kGoodbye{5};
+// How long a report that has just arrived has to reach its handler, on a processor that may have to
+// wake up first; and how long idle clients have to close their connections. Few do: gRPC reads from
+// an idle connection only every few seconds.
+constexpr std::chrono::milliseconds kIdleGrace{5};
 
 }  // namespace
 
 void RunningReports::shutDown(grpc::Server& server) {
   std::promise<void> done;
-  std::future<void> watch;
+  std::future<void> canceller;
   try {
-    watch = std::async(std::launch::async, [this, &server, is_done = done.get_future()] {
-      cutOffTheSilent(server, is_done);
+    canceller = std::async(std::launch::async, [this, &server, is_done = done.get_future()] {
+      cancelIdleClients(server, is_done);
     });
   } catch (const std::exception&) {
-    // Without memory or a thread for the watch, the end may come later; come it must.
+    // No memory, or no thread: the server shuts down all the same, only later if clients are idle.
   }
   server.Shutdown();
   done.set_value();
 }
 
-// On a thread of its own, beside Shutdown(), which lets in no further press. So nothing is lost
-// once all callbacks have returned and their answers have had their time.
-void RunningReports::cutOffTheSilent(grpc::Server& server, const std::future<void>& done) {
-  Clock::duration pause = kGoodbye;
+// Runs beside Shutdown(), which accepts no further reports. So no report is lost once all callbacks
+// have returned and the grace period of the last answer is over.
+void RunningReports::cancelIdleClients(grpc::Server& server, const std::future<void>& done) {
+  Clock::duration pause = kIdleGrace;
   while (done.wait_for(pause) == std::future_status::timeout) {
-    pause = untilQuiet();
+    pause = remainingGrace();
     if (pause <= Clock::duration::zero()) {
       grpc_server_cancel_all_calls(server.c_server());
-      pause = kFarewell;
+      pause = kAnswerGrace;
     }
   }
 }
 
-// How long it takes until the last answer has had its time; while a report runs, when to look
-// again.
-RunningReports::Clock::duration RunningReports::untilQuiet() const {
-  // In this order: a report that ends in between has its answer still to send.
-  const bool one_runs = running_ != 0;
-  const Clock::time_point quiet = last_end_.load() + kFarewell;
-  return one_runs ? Clock::duration(kFarewell) : quiet - Clock::now();
+// Until the grace period of the last answer is over; while a report is in flight, until the next
+// look.
+RunningReports::Clock::duration RunningReports::remainingGrace() const {
+  // In this order: a report that ends in between still has its answer to send.
+  const bool is_running = running_ != 0;
+  const Clock::time_point end = last_end_.load() + kAnswerGrace;
+  return is_running ? Clock::duration(kAnswerGrace) : end - Clock::now();
 }
+
+}  // namespace murlink

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The reports of presses that are being handled, and the end of their server.
+// The press reports that are in flight, and the shutdown of their server.
 #ifndef MURLINK_RUNNING_REPORTS_H
 #define MURLINK_RUNNING_REPORTS_H
 
@@ -9,27 +9,29 @@
 #include <chrono>
 #include <future>
 
+namespace murlink {
+
 // Any thread may use it.
 class RunningReports {
  public:
-  // A report counts as running while this lives, even when its callback throws.
-  class One {
+  // A report is in flight as long as this object lives, even when its callback throws.
+  class InFlight {
    public:
-    explicit One(RunningReports& reports) : reports_(reports) { ++reports_.running_; }
-    ~One() {
+    explicit InFlight(RunningReports& reports) : reports_(reports) { ++reports_.running_; }
+    ~InFlight() {
       reports_.last_end_ = Clock::now();
       --reports_.running_;
     }
-    One(const One&) = delete;
-    One& operator=(const One&) = delete;
+    InFlight(const InFlight&) = delete;
+    InFlight& operator=(const InFlight&) = delete;
 
    private:
     RunningReports& reports_;
   };
 
-  // Waits for running reports without limit. A client that has begun a call and says no more, or
-  // does not take leave, would be waited for as well, some for ever: it is cut off, as soon as no
-  // report has run for a second.
+  // Shuts the server down. Waits without limit for reports in flight and then, for a grace period,
+  // for their answers to be sent. Clients that keep their connections open without a report in
+  // flight are cancelled: gRPC would wait for some of them for ever.
   void shutDown(grpc::Server& server);
 
  private:
@@ -38,8 +40,10 @@ class RunningReports {
   std::atomic<int> running_{0};
   std::atomic<Clock::time_point> last_end_{Clock::time_point()};
 
-  void cutOffTheSilent(grpc::Server& server, const std::future<void>& done);
-  Clock::duration untilQuiet() const;
+  void cancelIdleClients(grpc::Server& server, const std::future<void>& done);
+  Clock::duration remainingGrace() const;
 };
+
+}  // namespace murlink
 
 #endif

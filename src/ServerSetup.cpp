@@ -3,45 +3,49 @@
 
 #include <mutex>
 
+namespace murlink {
+
 namespace {
 
-// Per connection. A recogniser that has more to report at once queues it at its own end; a stranger
-// cannot have more threads wait in the callback.
-constexpr int kCallsAtOnce = 100;
+// Each call may occupy a thread in the callback. The recogniser's gRPC client queues calls beyond
+// this limit, which is per connection.
+constexpr int kMaxConcurrentCalls = 100;
 
-// A press has a few bytes. The rest is for fields that a newer recogniser may add; gRPC's own limit
-// would let a stranger keep 4 MiB here for each call.
-constexpr int kLargestMessage = 64 * 1024;
+// A press has a few bytes; the rest is for fields that a newer recogniser may add. With gRPC's own
+// limit, any client could keep 4 MiB of memory in use with each call.
+constexpr int kMaxMessageBytes = 64 * 1024;
 
-// A connection on which gRPC has not spoken by then is closed; gRPC would keep its descriptor for
-// 120 s. Idle recognisers, which have spoken, are left alone: closing their connections, or asking
-// for signs of life, loses presses now and then.
-constexpr int kSilenceLimitMs = 5000;
+// A connection on which no HTTP/2 handshake has come by then is closed; gRPC's own limit is 120 s.
+// Idle connections after the handshake are kept: to close them, or to ping them, loses presses now
+// and then.
+constexpr int kHandshakeTimeoutMs = 5000;
 
-std::mutex building;
-bool process_ends = false;
+std::mutex build_mutex;
+bool process_exits = false;
 
-// gRPC destroys what it builds servers with while the process ends, when another thread may still
-// initialise foot touch. Our static objects go before gRPC's: the last of the builds is waited for,
-// and none begins after it.
+// While the process exits, gRPC destroys objects that it builds servers with, and another thread may
+// still initialise foot touch. Our static objects are destroyed before gRPC's: this destructor waits
+// for a build that is running, and no other starts after it.
 struct LastBuild {
   ~LastBuild() {
-    const std::lock_guard<std::mutex> lock(building);
-    process_ends = true;
+    const std::lock_guard<std::mutex> lock(build_mutex);
+    process_exits = true;
   }
 } last_build;
 
 }  // namespace
 
 void setLimits(grpc::ServerBuilder& builder) {
-  // Without this a second process could listen on the same port and would get half of the presses.
+  // Otherwise a second process could listen on the same port and would get half of the presses.
   builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
-  builder.AddChannelArgument(GRPC_ARG_SERVER_HANDSHAKE_TIMEOUT_MS, kSilenceLimitMs);
-  builder.AddChannelArgument(GRPC_ARG_MAX_CONCURRENT_STREAMS, kCallsAtOnce);
-  builder.SetMaxReceiveMessageSize(kLargestMessage);
+  builder.AddChannelArgument(GRPC_ARG_SERVER_HANDSHAKE_TIMEOUT_MS, kHandshakeTimeoutMs);
+  builder.AddChannelArgument(GRPC_ARG_MAX_CONCURRENT_STREAMS, kMaxConcurrentCalls);
+  builder.SetMaxReceiveMessageSize(kMaxMessageBytes);
 }
 
 std::unique_ptr<grpc::Server> build(grpc::ServerBuilder& builder) {
-  const std::lock_guard<std::mutex> lock(building);
-  return process_ends ? nullptr : builder.BuildAndStart();
+  const std::lock_guard<std::mutex> lock(build_mutex);
+  return process_exits ? nullptr : builder.BuildAndStart();
 }
+
+}  // namespace murlink

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the callback server is built: what a client may do to it, and when there is to be none.
+// How the callback server is built: the limits on what clients can use of it, and when not to build
+// one.
 #ifndef MURLINK_SERVER_SETUP_H
 #define MURLINK_SERVER_SETUP_H
 
@@ -7,10 +8,14 @@
 
 #include <memory>
 
-// Keeps the port to this process, and bounds what a client can take of it.
+namespace murlink {
+
+// Keeps the port to this process, and limits the connections, calls and memory of clients.
 void setLimits(grpc::ServerBuilder& builder);
 
-// Null when the port cannot be had, and once the process ends.
+// Null when the server cannot listen on its port, and while the process exits.
 std::unique_ptr<grpc::Server> build(grpc::ServerBuilder& builder);
+
+}  // namespace murlink
 
 #endif

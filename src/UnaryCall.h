@@ -4,43 +4,56 @@
 #define MURLINK_UNARY_CALL_H
 
 #include <grpcpp/client_context.h>
-#include <grpcpp/support/status.h>
 
 #include <chrono>
 #include <utility>
 
 #include "Quarlo_Platform.pb.h"
+#include "Verdict.h"
 
-// What came back; `s` counts only when the status is OK. A reply that carries no `s` reads as 0.
-struct Reply {
-  grpc::Status status;
-  int s = 0;
+namespace murlink {
+
+// What all calls of one rpc have in common: a row of constants.
+template <typename Stub, typename Request>
+struct CallRow {
+  grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&, StatusResponse*);
+  std::chrono::seconds deadline;
+  Verdicts verdicts;
 };
 
-// Made in one step and sent in another, because some commands log between the two.
+// Made, sent and concluded in three steps, because some functions log between them. For one call:
+// a grpc::ClientContext cannot be used again.
 template <typename Stub, typename Request>
 class UnaryCall {
  public:
-  using Rpc = grpc::Status (Stub::*)(grpc::ClientContext*, const Request&, StatusResponse*);
-
-  // The deadline counts from here, not from send().
-  UnaryCall(Rpc rpc, Request request, std::chrono::seconds deadline)
-      : rpc_(rpc), request_(std::move(request)) {
-    context_.set_deadline(std::chrono::system_clock::now() + deadline);
+  // The deadline counts from here, not from send(). `row` is not copied.
+  UnaryCall(const CallRow<Stub, Request>& row, Request request)
+      : row_(row), request_(std::move(request)) {
+    context_.set_deadline(std::chrono::system_clock::now() + row.deadline);
   }
 
-  // Blocks until the peer answers, the call fails, or the deadline has passed. Once only.
-  Reply send(Stub& stub) {
+  // Blocks until the peer answers, the call fails, or the deadline has passed.
+  void send(Stub& stub) {
     StatusResponse response;
-    grpc::Status status = (stub.*rpc_)(&context_, request_, &response);
-    const int s = status.ok() ? response.s() : 0;
-    return {std::move(status), s};
+    reply_.status = (stub.*row_.rpc)(&context_, request_, &response);
+    if (reply_.status.ok()) {
+      reply_.s = response.s();
+    }
+  }
+
+  // Logs the outcome as a line of `site`, and returns its result. A call that was not sent has
+  // failed.
+  int conclude(const CallSite& site) const {
+    return murlink::conclude(row_.verdicts, reply_, site);
   }
 
  private:
-  const Rpc rpc_;
+  const CallRow<Stub, Request>& row_;
   const Request request_;
   grpc::ClientContext context_;
+  Reply reply_{grpc::Status(grpc::StatusCode::FAILED_PRECONDITION, ""), 0};
 };
+
+}  // namespace murlink
 
 #endif

@@ -77,7 +77,7 @@ def stripped_size(programs, _size):
 # Whose code it is: the first pattern found in "file:function [object]" says.
 OWNERS = {
     "log calls": r"logLine|LineFormat|dlog_print",
-    "library": r":(?:FootTouch_Server|RunningReports)::"
+    "library": r":(?:FootTouch_Server|murlink::\w+)::"
                r"|:std::_Function_handler<void \(int, int, void\*\)",
     "messages and gRPC's templates": r"\[.*/(?:libmurlink-robot\.so|\w+_server)",
     "gRPC, protobuf, Abseil": r"\[.*/lib(?:grpc|gpr|protobuf|absl|upb|address_sorting)",

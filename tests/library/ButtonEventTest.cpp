@@ -125,6 +125,61 @@ TEST_F(ButtonEvent, GoesToTheLatestCallbackWithItsOwnUserData) {
   EXPECT_THAT(latter.calls(), ElementsAre(Called{3, 1, nullptr}));
 }
 
+// A function object with state of its own, as a C++ caller may set one.
+struct Counter {
+  std::atomic<int>& latest;
+  int count = 0;
+
+  void operator()(int /*id*/, int /*state*/, void* /*data*/) { latest = ++count; }
+};
+
+TEST_F(ButtonEvent, CallsTheOneFunctionObjectThatWasSet) {
+  std::atomic<int> latest{0};
+  server->set_button_cb(Counter{latest}, nullptr);
+
+  press(1);
+  release(1);
+  press(2);
+
+  EXPECT_EQ(latest, 3);
+}
+
+// Blocks its press, and then uses what it owns.
+struct Blocking {
+  std::shared_ptr<std::promise<void>> entered;
+  std::shared_ptr<std::promise<void>> go;
+  std::shared_ptr<int> content;
+  std::atomic<int>& seen;
+
+  void operator()(int /*id*/, int /*state*/, void* /*data*/) const {
+    entered->set_value();
+    go->get_future().wait();
+    seen = *content;
+  }
+};
+
+TEST_F(ButtonEvent, KeepsItsFunctionObjectUntilItReturnsThoughItIsReplaced) {
+  std::atomic<int> seen{0};
+  const auto entered = std::make_shared<std::promise<void>>();
+  const auto go = std::make_shared<std::promise<void>>();
+  std::weak_ptr<int> content;
+  {
+    Blocking blocking{entered, go, std::make_shared<int>(7), seen};
+    content = blocking.content;
+    server->set_button_cb(std::move(blocking), nullptr);
+  }
+  auto pressing = std::async(std::launch::async, [] { return press(1).s(); });
+  entered->get_future().wait();
+
+  server->set_button_cb(nullptr, nullptr);
+
+  EXPECT_FALSE(content.expired());
+  go->set_value();
+  EXPECT_EQ(pressing.get(), 0);
+  EXPECT_EQ(seen, 7);
+  EXPECT_TRUE(within10s([&content] { return content.expired(); }));
+}
+
 TEST_F(ButtonEvent, SetsItsCallbackSilently) {
   const LogCapture log;
 

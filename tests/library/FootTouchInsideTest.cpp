@@ -68,11 +68,11 @@ TEST(FootTouchState, StaysInitializedWhenThereIsNoClientToSwitchOff) {
 }
 
 TEST(LayoutResult, IsOneCodeForEachResultOfTheServer) {
-  EXPECT_EQ(layoutResult(0), 0);
-  EXPECT_EQ(layoutResult(4), -29398954);
-  EXPECT_EQ(layoutResult(5), -110);
+  EXPECT_EQ(murlink::layoutResult(0), 0);
+  EXPECT_EQ(murlink::layoutResult(4), -29398954);
+  EXPECT_EQ(murlink::layoutResult(5), -110);
   for (const int other : {1, 2, 3, 6, 7, -1, -110, std::numeric_limits<int>::min()}) {
-    EXPECT_EQ(layoutResult(other), -1073741824) << other;
+    EXPECT_EQ(murlink::layoutResult(other), -1073741824) << other;
   }
 }
 

@@ -8,6 +8,9 @@
 
 namespace {
 
+using murlink::CallSite;
+using murlink::Level;
+using murlink::LogText;
 using ::testing::ElementsAre;
 
 void informs() {
@@ -72,7 +75,7 @@ TEST(LogLines, KeepLongArgumentsWhole) {
 #define LONGEST TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY TWENTY
 
 TEST(LogLines, KeepTheLongestTextWhole) {
-  static_assert(sizeof LONGEST - 1 == LogText::kLongest);
+  static_assert(sizeof LONGEST - 1 == LogText::kMaxLength);
   const LogCapture log;
 
   LOG_ERROR(LONGEST);

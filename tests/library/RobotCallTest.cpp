@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-// The judgement on a reply, a pure function: every status code, every answer. How verdicts reach
-// the log and the caller is covered by RobotCommandsTest.
+// What a robot-side command is made of. The commands themselves are covered by RobotCommandsTest.
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "RobotCall.h"
-#include "support/RowName.h"
 
 namespace {
 
-constexpr Feature kFeature{kSelectFootTouch,
+using murlink::Command;
+using murlink::Feature;
+using murlink::Level;
+using murlink::RobotStub;
+
+constexpr Feature kFeature{murlink::kSelectFootTouch,
                            {Level::Error, "gone", 10},
                            {Level::Error, "unknown %d", 11},
                            {Level::Error, "timed out", 12}};
@@ -20,48 +21,21 @@ constexpr Command kCommand{kFeature,
                            {Level::Info, "already", 21},
                            {Level::Error, "not ok", 22}};
 
-struct Row {
-  std::string name;
-  Reply reply;
-  const Verdict* verdict;
-};
-
-void PrintTo(const Row& row, std::ostream* out) {
-  *out << row.name;
+TEST(Command, HasTheSelectorAndTheVerdictsOfItsFeature) {
+  EXPECT_EQ(kCommand.selector, 2);
+  EXPECT_EQ(kCommand.row.verdicts.gone.result, 10);
+  EXPECT_EQ(kCommand.row.verdicts.unknown.result, 11);
+  EXPECT_EQ(kCommand.row.verdicts.timed_out.result, 12);
 }
 
-std::vector<Row> answers() {
-  const auto ok = grpc::Status::OK;
-  return {{"0", {ok, 0}, &kCommand.done},
-          {"1", {ok, 1}, &kCommand.already},
-          {"2", {ok, 2}, &kFeature.unknown},
-          {"3", {ok, 3}, &kFeature.gone},
-          {"4", {ok, 4}, &kFeature.unknown},
-          {"Minus1", {ok, -1}, &kFeature.unknown},
-          {"Smallest", {ok, std::numeric_limits<int>::min()}, &kFeature.unknown},
-          {"Largest", {ok, std::numeric_limits<int>::max()}, &kFeature.unknown}};
+TEST(Command, HasVerdictsOfItsOwn) {
+  EXPECT_EQ(kCommand.row.verdicts.done.result, 20);
+  EXPECT_EQ(kCommand.row.verdicts.already.result, 21);
+  EXPECT_EQ(kCommand.row.verdicts.not_ok.result, 22);
 }
 
-// The answer beside a failed status says success: it must not be looked at.
-std::vector<Row> failures() {
-  std::vector<Row> rows;
-  for (int code = 1; code <= 16; ++code) {
-    const auto status = static_cast<grpc::StatusCode>(code);
-    rows.push_back(
-        {std::to_string(code),
-         {grpc::Status(status, "time out"), 0},
-         status == grpc::StatusCode::DEADLINE_EXCEEDED ? &kFeature.timed_out : &kCommand.not_ok});
-  }
-  return rows;
+TEST(Command, HasTwoSeconds) {
+  EXPECT_EQ(kCommand.row.deadline, std::chrono::seconds(2));
 }
-
-class Judgement : public ::testing::TestWithParam<Row> {};
-
-TEST_P(Judgement, IsOneVerdict) {
-  EXPECT_EQ(&judge(kCommand, GetParam().reply), GetParam().verdict);
-}
-
-INSTANTIATE_TEST_SUITE_P(OfAnswer, Judgement, ::testing::ValuesIn(answers()), rowName<Row>);
-INSTANTIATE_TEST_SUITE_P(OfStatus, Judgement, ::testing::ValuesIn(failures()), rowName<Row>);
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "AtLoad.h"
+#include "FootTouchGrpcClient.h"
 #include "RobotChannel.h"
 
 namespace {
