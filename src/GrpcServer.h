@@ -45,8 +45,7 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
   grpc::Status service_Off(grpc::ServerContext* context, const IntMessage* request,
                            StatusResponse* response) override;
 
-  // Stores the address and sends it to the display. 1 when the display does not acknowledge it, else
-  // 0.
+  // Stores the address and sends it to the display. 0, or 1 when the display does not acknowledge it.
   int initialize(std::string listening_address);
   bool same_address(std::string other);
   std::string get_address();
@@ -68,7 +67,8 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   struct Event;
-  // What a press calls. It shares the function object, which may be replaced while it runs.
+  // What a press calls. It shares the function object, so that to replace the callback does not
+  // destroy the one that is running.
   struct [[gnu::visibility("hidden")]] Callback {
     std::shared_ptr<ButtonCallback> owner;
     ButtonCallback function;
@@ -78,17 +78,16 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
   std::string server_address;
   std::unique_ptr<std::thread> server_thread;
   std::unique_ptr<grpc::Server> server;
-  std::shared_ptr<ButtonCallback> callback_owner;  // the function object that was set
-  ButtonCallback button_cb;                        // calls it; empty when it is empty
+  std::shared_ptr<ButtonCallback> callback_owner;  // owns the function object that was set
+  ButtonCallback button_cb;                        // refers to it; empty when there is none
   std::shared_ptr<grpc::Channel> tv_channel;
   std::unique_ptr<zet::protobuf::app::Quarlo_TV_GRPC::Stub> tv_stub;
   void* user_data = nullptr;
 
   // Guards callback_owner, button_cb and user_data; never held while a callback runs.
   std::mutex callback_mutex;
-  // What the server thread has reached: `server` is set, or stays null; and it no longer uses it.
-  std::future<void> server_settled;
-  std::future<void> server_left;
+  std::future<void> server_settled;  // `server` is set, or stays null
+  std::future<void> server_left;     // the server thread no longer uses `server`
 
   murlink::RunningReports reports;
 
