@@ -1,10 +1,11 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* Shows two buttons on the display and prints each press and release, until Enter is pressed. */
+/* Shows two buttons on the display and prints each press and release until Enter is pressed. */
 #include <stdio.h>
 
 #include "murlink_robot.h"
 
-/* Runs on a thread of the library: keep it short, and guard what it shares with the application. */
+/* Runs on a thread of the library. Return quickly, because the recogniser waits, and protect data
+   that is shared with other threads. */
 static void on_button(int id, int state, void* user_data) {
   const char* prefix = user_data;
   printf("%s %d %s\n", prefix, id, state == 1 ? "pressed" : "released");
@@ -17,11 +18,11 @@ int main(void) {
 
   int result = foot_touch_initialize();
   if (result != FOOT_TOUCH_ERROR_NONE) {
-    fprintf(stderr, "foot touch is not to be had: %d\n", result);
+    fprintf(stderr, "foot touch is not available: code %d\n", result);
     return 1;
   }
 
-  /* After foot_touch_initialize(): a callback that is set earlier is never called. */
+  /* Only now: a callback that is set before foot_touch_initialize() is never called. */
   foot_touch_set_button_cb(on_button, prefix);
   result = foot_touch_set_buttons(buttons, 2);
   if (result == FOOT_TOUCH_ERROR_NONE) {
@@ -34,9 +35,10 @@ int main(void) {
     result = stop_foot_touch();
   }
 
-  const int end = foot_touch_finalize();
-  if (result != FOOT_TOUCH_ERROR_NONE || end != FOOT_TOUCH_ERROR_NONE) {
-    fprintf(stderr, "foot touch failed: %d, and %d at its end\n", result, end);
+  const int finalized = foot_touch_finalize();
+  if (result != FOOT_TOUCH_ERROR_NONE || finalized != FOOT_TOUCH_ERROR_NONE) {
+    fprintf(stderr, "foot touch failed: code %d, then code %d from foot_touch_finalize\n", result,
+            finalized);
     return 1;
   }
   puts("Ended.");

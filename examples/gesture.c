@@ -4,8 +4,8 @@
 
 #include "murlink_robot.h"
 
-/* Says how a step went. A robot that is already in the wanted state is as good as one that gets
-   there: `already` is the code that says so. */
+/* Prints the result of a step and returns whether it succeeded. `already` is the code for a robot
+   that was already in the wanted state, which is as good as success. */
 static int succeeded(const char* step, int result, int already) {
   if (result == GESTURE_RECOGNITION_ERROR_NONE) {
     printf("%s: done\n", step);
@@ -27,7 +27,7 @@ int main(void) {
     return 1;
   }
 
-  /* Here an application does its work while the robot watches for gestures. */
+  /* Here the application does its work while the robot recognises gestures. */
 
   if (!succeeded("stop", stop_gesture_recognition(), GESTURE_RECOGNITION_ERROR_NOT_RUNNING)) {
     return 1;

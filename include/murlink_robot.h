@@ -11,8 +11,8 @@
  *
  * How to use it
  *
- * Include this file and link with -lmurlink-robot. Plain C: valid as C89 and newer, and as C++11
- * and newer. Nothing has to be configured at run time: the addresses of the robot's services are
+ * Include this file and link with -lmurlink-robot. The header is plain C, valid as C89 and as C++11
+ * or newer. There is nothing to configure at run time: the addresses of the robot's services are
  * compiled into the library. A complete program:
  *
  * @code
@@ -24,14 +24,14 @@
  *   int result = gesture_recognition_initialize();
  *   if (result != GESTURE_RECOGNITION_ERROR_NONE &&
  *       result != GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED) {
- *     fprintf(stderr, "gesture recognition is not to be had: %d\n", result);
+ *     fprintf(stderr, "gesture recognition is not available: code %d\n", result);
  *     return 1;
  *   }
  *
  *   result = start_gesture_recognition();
  *   if (result != GESTURE_RECOGNITION_ERROR_NONE &&
  *       result != GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING) {
- *     fprintf(stderr, "recognition did not start: %d\n", result);
+ *     fprintf(stderr, "gesture recognition did not start: code %d\n", result);
  *     return 1;
  *   }
  *   puts("The robot recognises gestures. Press Enter to stop.");
@@ -45,21 +45,24 @@
  *
  * Results
  *
- * Every function but foot_touch_set_button_cb() returns an int: 0 for success, otherwise a code of
- * #foot_touch_error or #gesture_recognition_error, two sets that share no meaning beyond 0. Each
- * outcome is also written to the robot's log with the tag "murlink".
+ * Every function except foot_touch_set_button_cb() returns an int: 0 for success, otherwise a code
+ * of #foot_touch_error or #gesture_recognition_error. The two sets are independent: only 0 means
+ * the same in both. Every outcome is also written to the robot's log, with the tag "murlink".
  *
- * Without memory, or without a thread to listen with, a C++ exception leaves the function, and ends
- * a program that is written in C. The next call works.
+ * When memory runs out, or the system cannot create a thread, a C++ exception leaves the function;
+ * it terminates a program written in C. The next call works again.
  *
  *
- * Waiting
+ * Blocking, retries and connections
  *
- * A function that asks another process waits for its answer for 2 s at most, and says so below.
- * Nothing is tried again by itself. After a time-out or a lost connection the other side may or may
- * not have acted. The connection mends itself, but not at once: after an outage during which calls
- * were made, gRPC waits before it connects again, longer each time, so calls can go on failing for
- * up to two minutes after the other side is back. Try again with a pause rather than without:
+ * Every call to another process has a deadline of 2 s or less, given below for each function. The
+ * library never retries. After a time-out or a lost connection the other side may or may not have
+ * acted.
+ *
+ * gRPC reconnects by itself, but not at once. After an outage during which calls were made, it
+ * waits before it connects again, longer after each failed attempt (back-off). Calls can therefore
+ * keep failing for up to two minutes after the other side is back. When you retry, pause between
+ * the attempts:
  *
  * @code{.c}
  * int attempts = 0;
@@ -69,42 +72,45 @@
  * }
  * @endcode
  *
- * For foot_touch_initialize() such a loop goes on with FOOT_TOUCH_ERROR_NOT_INITIALIZED as well:
- * that is its answer while the display cannot be reached.
+ * With foot_touch_initialize(), also retry on FOOT_TOUCH_ERROR_NOT_INITIALIZED: that is its result
+ * while the display cannot be reached.
  *
- * When the robot's clock is set back, a call that nobody answers can last longer, by as much as the
- * clock was set back: gRPC's own timers follow that clock. Setting it forward changes nothing.
+ * When the robot's clock is set back during a call that gets no answer, the call lasts longer, by
+ * up to as much as the clock was set back, because gRPC's timers follow that clock. Setting the
+ * clock forward has no effect.
  *
  * gRPC honours the environment variables http_proxy, https_proxy and grpc_proxy even for addresses
- * on the robot: unset them, or name the addresses in no_proxy.
+ * on the robot: unset them, or list the addresses in no_proxy.
  *
  *
  * File descriptors
  *
- * A process that has used up its file descriptors (RLIMIT_NOFILE) gets connection failures until
- * some are free again, and foot_touch_initialize() may succeed without listening, as when its port
- * is taken. Presses need more: a recogniser that tries to connect meanwhile can leave the library
- * deaf, even once there are free descriptors, to all but those who were connected before. Finalise
- * and initialise again; then all are heard. The first function that is called in a process needs
- * free descriptors: gRPC ends a process in which it cannot begin.
+ * When a process has used up its file descriptors (RLIMIT_NOFILE), calls that need a new connection
+ * return a connection failure until descriptors are free again. foot_touch_initialize() may succeed
+ * without listening, as it does when its port is taken. If a recogniser tries to connect while no
+ * descriptor is free, the library may accept no new connection afterwards, even once descriptors
+ * are free; existing connections keep working. To recover, finalise and initialise foot touch.
+ *
+ * The first function called in a process needs free descriptors: without them gRPC aborts the
+ * process.
  *
  *
  * Threads
  *
- * The functions of one feature must be called from one thread at a time. The two features are
- * independent of each other and may be used from two threads at once.
+ * Call the functions of one feature from one thread at a time. The two features are independent of
+ * each other and may be used from two threads at once.
  *
  *
- * The end of the process
+ * Process exit
  *
- * The process may end at any time and in any way, without finalising, on any thread and from inside
- * the callback. Calls that run on other threads end with it, without an answer. The callback may
- * still be called while exit() destroys the application's static objects: when it uses one, call
- * foot_touch_finalize() before. The robot's service stays on, see foot_touch_initialize().
+ * The process may end at any time and in any way, without finalising, on any thread, and from
+ * inside the callback. Calls in flight on other threads end with the process, unanswered. The
+ * callback may still run while exit() destroys the application's static objects: if it uses any,
+ * call foot_touch_finalize() first. The robot's service stays on, see foot_touch_initialize().
  *
- * A program that is started by fork() and exec gets none of the library's connections. A child that
- * does not exec must not call the library, whose functions may never return in it, and has to leave
- * by _exit(); as long as it lives, no other process can listen for presses.
+ * A program started with fork() and exec inherits none of the library's connections. A child that
+ * does not exec must not call the library, because the functions may never return, and must end
+ * with _exit(). While such a child lives, no other process can listen for presses.
  */
 #ifndef MURLINK_ROBOT_H
 #define MURLINK_ROBOT_H
@@ -119,32 +125,32 @@ extern "C" {
 enum gesture_recognition_error {
   /** Success. */
   GESTURE_RECOGNITION_ERROR_NONE = 0,
-  /** The service was on already: recognition can be started. */
+  /** The service was already on: treat it as success. */
   GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED = 1,
-  /** Recognition was running already: nothing is left to do. */
+  /** Recognition was already running: treat it as success. */
   GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING = 2,
-  /** Recognition was not running: nothing is left to do. */
+  /** Recognition was not running when it was stopped: treat it as success. */
   GESTURE_RECOGNITION_ERROR_NOT_RUNNING = 3,
-  /** Recognition had ended before it was finalised: nothing is left to do. */
+  /** Recognition was not running when it was finalised: treat it as success. */
   GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED = 4,
-  /** No answer within 2 s; the robot may or may not have acted. */
+  /** The robot did not answer within 2 s; it may or may not have acted. */
   GESTURE_RECOGNITION_ERROR_TIMED_OUT = 5,
-  /** The robot answered with a failure that has no meaning here; the log shows its number. */
+  /** The robot answered with an unknown failure, whose number is in the log. */
   GESTURE_RECOGNITION_ERROR_UNKNOWN = 7,
-  /** The robot no longer offers gesture recognition: trying again does not help. */
+  /** The robot no longer offers gesture recognition: a retry does not help. */
   GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE = 8,
-  /** No connection to the robot's service, or it was lost during the call. */
+  /** The robot's service cannot be reached, or the connection was lost during the call. */
   GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED = 26710
 };
 
 /**
- * Switches the gesture-recognition service on. Recognition does not run yet.
+ * Switches the robot's gesture-recognition service on. Recognition does not run yet.
  *
  * Blocks until the robot answers, 2 s at most.
  *
  * @return #GESTURE_RECOGNITION_ERROR_NONE                 the service is on
- *         #GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED  it was on before; go on as after success
- *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT            no answer in time; call again
+ *         #GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED  it was already on; treat it as success
+ *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT            no answer within 2 s; call again
  *         #GESTURE_RECOGNITION_ERROR_UNKNOWN              the robot failed; see the log
  *         #GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE        this robot no longer has the feature
  *         #GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED    no connection; call again after a pause
@@ -157,11 +163,11 @@ int gesture_recognition_initialize(void);
  *
  * Blocks until the robot answers, 2 s at most.
  *
- * @return #GESTURE_RECOGNITION_ERROR_NONE               recognition runs
- *         #GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING    it ran before; go on as after success
- *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer in time; call again
- *         #GESTURE_RECOGNITION_ERROR_UNKNOWN            the robot failed, for instance because the
- *                                                       service is not on; see the log
+ * @return #GESTURE_RECOGNITION_ERROR_NONE               recognition is running
+ *         #GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING    it was already running; treat it as success
+ *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer within 2 s; call again
+ *         #GESTURE_RECOGNITION_ERROR_UNKNOWN            the robot failed, for example because the
+ *                                                       service is off; see the log
  *         #GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED  no connection; call again after a pause
  * @threads one gesture function at a time.
@@ -174,8 +180,8 @@ int start_gesture_recognition(void);
  * Blocks until the robot answers, 2 s at most.
  *
  * @return #GESTURE_RECOGNITION_ERROR_NONE               recognition has stopped
- *         #GESTURE_RECOGNITION_ERROR_NOT_RUNNING        it did not run; go on as after success
- *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer in time; call again
+ *         #GESTURE_RECOGNITION_ERROR_NOT_RUNNING        it was not running; treat it as success
+ *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer within 2 s; call again
  *         #GESTURE_RECOGNITION_ERROR_UNKNOWN            the robot failed; see the log
  *         #GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED  no connection; call again after a pause
@@ -184,18 +190,18 @@ int start_gesture_recognition(void);
 int stop_gesture_recognition(void);
 
 /**
- * Ends the use of gesture recognition: stops it if it runs.
+ * Ends the use of gesture recognition: stops it if it is running.
  *
- * Sends the robot the same request as stop_gesture_recognition(), so after that function it returns
- * #GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED. The robot's service itself stays on: a later
- * gesture_recognition_initialize() then returns #GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED.
- * Nothing in the process is released.
+ * Sends the robot the same request as stop_gesture_recognition(); called after that function, it
+ * returns #GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED. The robot's service stays on, so a later
+ * gesture_recognition_initialize() returns #GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED. The
+ * library keeps its connection and memory until the process ends.
  *
  * Blocks until the robot answers, 2 s at most.
  *
  * @return #GESTURE_RECOGNITION_ERROR_NONE               recognition has stopped
- *         #GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED    it did not run; go on as after success
- *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer in time; call again
+ *         #GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED    it was not running; treat it as success
+ *         #GESTURE_RECOGNITION_ERROR_TIMED_OUT          no answer within 2 s; call again
  *         #GESTURE_RECOGNITION_ERROR_UNKNOWN            the robot failed; see the log
  *         #GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED  no connection; call again after a pause
@@ -209,33 +215,36 @@ int gesture_recognition_finalize(void);
 enum foot_touch_error {
   /** Success. */
   FOOT_TOUCH_ERROR_NONE = 0,
-  /** The robot's foot-touch service was switched on already, perhaps by another application. */
+  /** The robot's foot-touch service was already on, perhaps because of another application. */
   FOOT_TOUCH_ERROR_ALREADY_INITIALIZED = 1,
-  /** Recognition was running already: nothing is left to do. */
+  /** Recognition was already running: treat it as success. */
   FOOT_TOUCH_ERROR_ALREADY_RUNNING = 2,
-  /** Recognition was not running: nothing is left to do. */
+  /** Recognition was not running when it was stopped: treat it as success. */
   FOOT_TOUCH_ERROR_NOT_RUNNING = 3,
-  /** Foot touch is not initialised, here or on the robot; or the display could not be told. */
+  /**
+   * Foot touch is not initialised, in this process or on the robot; or the display did not
+   * acknowledge the library's address.
+   */
   FOOT_TOUCH_ERROR_NOT_INITIALIZED = 4,
-  /** The device has no switchable lens, and so no foot touch. */
+  /** The device has no switchable lens, which foot touch needs. */
   FOOT_TOUCH_ERROR_NOT_SUPPORTED = 5,
-  /** The layout is not valid; the log says which button is wrong. The negated errno EINVAL. */
+  /** The layout is not valid; the log names the wrong button. The negated errno EINVAL. */
   FOOT_TOUCH_ERROR_INVALID_PARAMETER = -22,
-  /** The robot did not answer within 2 s and may or may not have acted. Negated errno ETIMEDOUT. */
+  /** The robot did not answer within 2 s; it may or may not have acted. Negated ETIMEDOUT. */
   FOOT_TOUCH_ERROR_TIMED_OUT = -110,
-  /** A service answered with a failure that has no meaning here; the log shows its number. */
+  /** The robot or the display answered with an unknown failure, whose number is in the log. */
   FOOT_TOUCH_ERROR_UNKNOWN = -1073741824,
-  /** The robot no longer offers foot touch: trying again does not help. */
+  /** The robot no longer offers foot touch: a retry does not help. */
   FOOT_TOUCH_ERROR_NOT_AVAILABLE = -1073741822,
-  /** No connection to the robot or the display, or it was lost during the call. */
+  /** The robot or the display cannot be reached, or the connection was lost during the call. */
   FOOT_TOUCH_ERROR_CONNECTION_FAILED = -29398954,
-  /** A layout was given before foot touch was initialised: initialise, then send it again. */
+  /** A layout was set before foot touch was initialised: initialise, then set it again. */
   FOOT_TOUCH_ERROR_SERVER_NOT_READY = -29398953
 };
 
-/** One foot-touch button: a stretch of the layout's width. */
+/** One foot-touch button: a range of the layout's width. */
 typedef struct button {
-  /** The application's name for the button, 0 or more; handed to the callback. */
+  /** The button's number, chosen by the application, 0 or more; passed to the callback. */
   int id;
   /** Where it begins, as a fraction of the layout's width: 0 <= start <= end. */
   float start;
@@ -244,93 +253,102 @@ typedef struct button {
 } button;
 
 /**
- * Receives a button press or release.
+ * Receives a press or a release of a button.
  *
- * @param id         the button's id, as reported by the recogniser; not compared with the layout.
+ * The recogniser and foot_touch_finalize() wait until the callback returns; if it never returns,
+ * they wait for ever. Other presses are delivered meanwhile, on other threads. An exception thrown
+ * by the callback, of whatever type, does not reach the application: the recogniser receives the
+ * gRPC status UNKNOWN, and the next press is delivered as usual.
+ *
+ * The callback may
+ * - set another callback or clear it, at any time;
+ * - end the process;
+ * - call the other functions, with the same results as elsewhere, while no other thread is in a
+ *   function of the same feature. A thread in foot_touch_finalize() counts: it waits for the
+ *   callback.
+ *
+ * It must not call foot_touch_finalize(), which would wait for the callback, and so for itself.
+ *
+ * @param id         the button's id as reported by the recogniser; not checked against the layout.
  * @param state      1 when a foot touches the button, 0 when it leaves it.
  * @param user_data  the pointer given to foot_touch_set_button_cb().
- * The recogniser waits until it returns, and so does foot_touch_finalize(): a callback that never
- * returns keeps both waiting for ever. Other presses are delivered meanwhile, on other threads. An
- * exception that leaves it, of whatever type, does not reach the application; the recogniser is
- * answered with gRPC's status UNKNOWN, and the next press comes as usual.
- *
- * It may set another callback or clear it at any time, and end the process. It may call the other
- * functions, with the same results as elsewhere, while no other thread calls one of the same
- * feature; a thread in foot_touch_finalize(), which waits for the callback, is one that does. It
- * must not call foot_touch_finalize() itself, which would wait for itself for ever.
- *
  * @threads runs on gRPC's threads, never on the application's; two calls may run at once, even for
  *          the same button.
  */
 typedef void (*foot_touch_button_cb)(int id, int state, void* user_data);
 
 /**
- * Switches foot touch on: starts to listen for presses, tells the display where, and switches the
- * robot's service on. Recognition does not run yet.
+ * Switches foot touch on: sends the library's address to the display, listens for presses there,
+ * and switches the robot's service on. Recognition does not run yet.
  *
  * Blocks until the display (1 s at most) and the robot (2 s at most) have answered. Does nothing
- * and returns success when foot touch is initialised already. The library is about to listen when
- * this function returns; a press in the first milliseconds may still be refused.
+ * and returns success when foot touch is already initialised. Listening starts in the background: a
+ * press in the first milliseconds after this function has returned may still be refused.
  *
- * After a failure, call it again: it goes on where it stopped. When it was the robot that failed,
- * the library listens already, and goes on to. Until a later call succeeds, foot_touch_finalize()
- * does nothing; foot_touch_set_button_cb(NULL, NULL) keeps presses from the application.
+ * After a failure, call it again: it repeats only the steps that have not succeeded yet. After any
+ * failure other than #FOOT_TOUCH_ERROR_NOT_INITIALIZED the library keeps listening, and
+ * foot_touch_finalize() cannot stop it until a later call of this function has succeeded; clear the
+ * callback with foot_touch_set_button_cb(NULL, NULL) to receive no presses meanwhile.
  *
- * The display and the recogniser are told a fixed address, which one process at a time can listen
- * on. When it is taken, this function succeeds all the same, no press arrives, and the log says
- * "cannot listen on": end the other process, finalise, and initialise again.
+ * The address is fixed, and only one process at a time can listen on it. When it is taken, this
+ * function still succeeds, but no press arrives, and the log says "cannot listen on": end the other
+ * process, then finalise and initialise again.
  *
  * @return #FOOT_TOUCH_ERROR_NONE                 foot touch is on
- *         #FOOT_TOUCH_ERROR_ALREADY_INITIALIZED  the robot's service was on before, perhaps because
- *                                                an application ended without finalising, or a
- *                                                call before this one had timed out. Foot
- *                                                touch is not initialised in this process until
- *                                                the robot has switched its service off
- *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED      the display could not be told; call again
+ *         #FOOT_TOUCH_ERROR_ALREADY_INITIALIZED  the robot's service was already on: another
+ *                                                application uses it or ended without finalising,
+ *                                                or an earlier call timed out. Foot touch is not
+ *                                                initialised in this process; call again once the
+ *                                                robot has switched its service off
+ *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED      the display could not be reached, did not answer
+ *                                                within 1 s, or failed; call again after a pause
  *         #FOOT_TOUCH_ERROR_NOT_SUPPORTED        the device has no switchable lens
- *         #FOOT_TOUCH_ERROR_TIMED_OUT            no answer from the robot in time; call again
+ *         #FOOT_TOUCH_ERROR_TIMED_OUT            no answer from the robot within 2 s; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN              the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE        this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED    no connection to the robot; call again after a
  *                                                pause
- * @threads one foot-touch function at a time, those that the callback calls included.
+ * @threads one foot-touch function at a time, including those called by the callback.
  */
 int foot_touch_initialize(void);
 
 /**
- * Switches foot touch off: stops to listen for presses, then switches the robot's service off.
+ * Switches foot touch off: stops listening for presses, then switches the robot's service off.
  *
- * Blocks until every callback that runs has returned, without limit, and then until the robot
- * answers, 2 s at most. A press that arrives meanwhile is refused. A client that does not take
- * leave is cut off a second or two after the end of the last press, so that whoever reported it
- * gets its answer, and within milliseconds when that is past: a recogniser that hangs, whose host
- * is gone, or that uses gRPC for nothing but presses and reports none at the time; a stranger
- * that says nothing. No callback runs after it has returned, unless it returned because foot
- * touch was not initialised.
+ * Blocks until every running callback has returned, without limit; then until all clients have
+ * disconnected, about 1 s at most; then until the robot answers, 2 s at most. Presses that arrive
+ * meanwhile are refused. Clients that keep their connection open, for example an idle or hanging
+ * recogniser, are disconnected after a grace period: 1 s after the end of the last press, so that
+ * its answer can reach the recogniser, or 5 ms when the last press ended more than 1 s ago. The
+ * callback is not called after this function has returned, unless it returned because foot touch
+ * was not initialised in this process.
  *
- * After a failure presses are no longer delivered, yet foot touch still counts as initialised, and
- * foot_touch_initialize() would do nothing: call this function again after a pause. That does not
- * help when the robot's service is off already, as after a restart of the robot's side: foot touch
- * is to be had again only once the service is on again, or in another process.
+ * After a failure presses are no longer delivered, but foot touch still counts as initialised in
+ * this process, and foot_touch_initialize() does nothing: call this function again after a pause.
+ * That does not help when the robot's service is already off, for example because the robot's side
+ * was restarted. Foot touch is then available again in another process, or in this one once the
+ * service has been switched on by another application and this function has succeeded.
  *
  * @return #FOOT_TOUCH_ERROR_NONE               foot touch is off
- *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    it was not on, here or on the robot; in the latter
- *                                              case it counts as on here, as above
- *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer in time; call again
+ *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    it was not on, in this process or on the robot; in
+ *                                              the latter case it still counts as initialised in
+ *                                              this process, see above
+ *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer within 2 s; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection; call again after a pause
- * @threads one foot-touch function at a time; never from inside the callback, where it would wait
- *          for itself for ever.
+ * @threads one foot-touch function at a time, and never from inside the callback, which this
+ *          function would wait for.
  */
 int foot_touch_finalize(void);
 
 /**
- * Replaces the button layout that the display holds.
+ * Replaces the button layout on the display.
  *
- * Blocks until the display answers, 2 s at most. The layout goes to the display and is kept nowhere
- * else: send it again when it was refused or lost, and after the display was restarted. Two buttons
- * may touch but not overlap; an id that is used twice is reported in the log, not refused.
+ * Blocks until the display answers, 2 s at most. The library does not keep the layout: set it again
+ * when it was refused or lost, and after the display has restarted. Buttons may touch but not
+ * overlap. An id that is used twice is only reported in the log; buttons that share an id may
+ * overlap.
  *
  * @param buttons  `count` records, read during the call only; may be NULL when `count` is 0.
  * @param count    number of records, 0 or more; 0 clears the layout. A negative number throws
@@ -339,27 +357,32 @@ int foot_touch_finalize(void);
  *         #FOOT_TOUCH_ERROR_INVALID_PARAMETER  a record is out of range or two overlap; nothing was
  *                                              sent
  *         #FOOT_TOUCH_ERROR_SERVER_NOT_READY   call foot_touch_initialize() first; nothing was sent
- *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection, or no answer in time; the display may
- *                                              or may not have the layout. Also, with nothing sent,
- *                                              after a callback that was set too early
- *         #FOOT_TOUCH_ERROR_TIMED_OUT          reserved: a missing answer is a failed connection
- *         #FOOT_TOUCH_ERROR_UNKNOWN            the display answered with a failure
- * @threads one foot-touch function at a time, those that the callback calls included.
+ *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection, or no answer within 2 s; the display
+ *                                              may or may not have the layout. Also, with nothing
+ *                                              sent, when the callback was set too early
+ *         #FOOT_TOUCH_ERROR_TIMED_OUT          reserved: a missing answer is reported as a failed
+ *                                              connection
+ *         #FOOT_TOUCH_ERROR_UNKNOWN            the display answered with a failure; see the log
+ * @threads one foot-touch function at a time, including those called by the callback.
  */
 int foot_touch_set_buttons(const button* buttons, int count);
 
 /**
- * Sets the function that receives presses. Call it after foot_touch_initialize(): a callback set
- * before keeps the library from listening until foot touch is finalised and initialised again.
+ * Sets the callback, the function that receives presses.
+ *
+ * Call it after every successful foot_touch_initialize(): foot_touch_finalize() discards the
+ * callback. A call before that, even to clear the callback, can prevent the library from listening
+ * until foot touch is finalised and initialised again.
  *
  * Does not block.
  *
- * @param cb         the function; NULL clears it, and presses are then answered as not delivered.
- * @param user_data  handed to every call of `cb` unchanged; may be NULL, not owned. What it points
- *                   to must stay valid until foot_touch_finalize() has succeeded: a call that is
- *                   under way goes on with it even after another callback has been set.
- * @threads one foot-touch function at a time, and from inside the callback; presses that arrive
- *          meanwhile see either the old pair or the new one.
+ * @param cb         the callback; NULL clears it. Presses that arrive without a callback are
+ *                   answered as not delivered.
+ * @param user_data  passed to every call of `cb` unchanged; may be NULL, not owned. What it points
+ *                   to must stay valid until foot_touch_finalize() has succeeded: a call of `cb`
+ *                   that is running keeps using it even after another callback has been set.
+ * @threads one foot-touch function at a time; also from inside the callback, at any time. Presses
+ *          that arrive meanwhile get either the old pair of callback and user data or the new one.
  */
 void foot_touch_set_button_cb(foot_touch_button_cb cb, void* user_data);
 
@@ -368,14 +391,14 @@ void foot_touch_set_button_cb(foot_touch_button_cb cb, void* user_data);
  *
  * Blocks until the robot answers, 2 s at most.
  *
- * @return #FOOT_TOUCH_ERROR_NONE               recognition runs
- *         #FOOT_TOUCH_ERROR_ALREADY_RUNNING    it ran before; go on as after success
+ * @return #FOOT_TOUCH_ERROR_NONE               recognition is running
+ *         #FOOT_TOUCH_ERROR_ALREADY_RUNNING    it was already running; treat it as success
  *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    foot_touch_initialize() was never called
- *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer in time; call again
+ *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer within 2 s; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection; call again after a pause
- * @threads one foot-touch function at a time, those that the callback calls included.
+ * @threads one foot-touch function at a time, including those called by the callback.
  */
 int start_foot_touch(void);
 
@@ -385,13 +408,13 @@ int start_foot_touch(void);
  * Blocks until the robot answers, 2 s at most.
  *
  * @return #FOOT_TOUCH_ERROR_NONE               recognition has stopped
- *         #FOOT_TOUCH_ERROR_NOT_RUNNING        it did not run; go on as after success
+ *         #FOOT_TOUCH_ERROR_NOT_RUNNING        it was not running; treat it as success
  *         #FOOT_TOUCH_ERROR_NOT_INITIALIZED    foot_touch_initialize() was never called
- *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer in time; call again
+ *         #FOOT_TOUCH_ERROR_TIMED_OUT          no answer within 2 s; call again
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the robot failed; see the log
  *         #FOOT_TOUCH_ERROR_NOT_AVAILABLE      this robot no longer has the feature
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection; call again after a pause
- * @threads one foot-touch function at a time, those that the callback calls included.
+ * @threads one foot-touch function at a time, including those called by the callback.
  */
 int stop_foot_touch(void);
 
