@@ -5,11 +5,28 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
-// Names each test of a table after its row's `name`, for INSTANTIATE_TEST_SUITE_P.
+// A name may hold letters, digits and underscores only.
+inline std::string nameOfRow(int number) {
+  return number < 0 ? "Minus" + std::to_string(-number) : std::to_string(number);
+}
+
+template <typename Row>
+auto nameOfRow(const Row& row) -> decltype(std::string(row.name)) {
+  return row.name;
+}
+
+template <typename... Rows>
+std::string nameOfRow(const std::tuple<Rows...>& rows) {
+  return std::apply([](const auto&... row) { return (nameOfRow(row) + ...); }, rows);
+}
+
+// Names each test of a table, for INSTANTIATE_TEST_SUITE_P: after the row's `name`, after a number
+// ("3", "Minus1"), or after all rows of a combination.
 template <typename Row>
 std::string rowName(const ::testing::TestParamInfo<Row>& row) {
-  return row.param.name;
+  return nameOfRow(row.param);
 }
 
 #endif
