@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The public header: its values and record, and that the manual in it cannot fall behind. That it
-// compiles as C and C++ of every age is checked by tests of their own.
+// The public header: its codes, its record, and that its manual is complete. That it compiles in
+// every supported language standard is checked by tests of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -18,7 +18,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 
-TEST(FootTouchCodes, HaveTheirValues) {
+TEST(FootTouchCodes, HaveTheirFixedValues) {
   EXPECT_EQ(FOOT_TOUCH_ERROR_NONE, 0);
   EXPECT_EQ(FOOT_TOUCH_ERROR_ALREADY_INITIALIZED, 1);
   EXPECT_EQ(FOOT_TOUCH_ERROR_ALREADY_RUNNING, 2);
@@ -33,7 +33,7 @@ TEST(FootTouchCodes, HaveTheirValues) {
   EXPECT_EQ(static_cast<unsigned>(FOOT_TOUCH_ERROR_SERVER_NOT_READY), 0xFE3F6857U);
 }
 
-TEST(GestureCodes, HaveTheirValues) {
+TEST(GestureCodes, HaveTheirFixedValues) {
   EXPECT_EQ(GESTURE_RECOGNITION_ERROR_NONE, 0);
   EXPECT_EQ(GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED, 1);
   EXPECT_EQ(GESTURE_RECOGNITION_ERROR_ALREADY_RUNNING, 2);
@@ -66,13 +66,13 @@ std::string header() {
   return text.str();
 }
 
-// A declaration or constant, and the comment that stands directly before it.
+// A declaration or constant, and the comment directly before it.
 struct Entry {
   std::string name;
   std::string manual;
 };
 
-// The comment that `text` ends with, white space aside, or nothing.
+// The comment at the end of `text`, or nothing; white space after it is ignored.
 std::string commentAtEndOf(const std::string& text) {
   const auto last = text.find_last_not_of(" \n");
   if (last == std::string::npos || last == 0 || text.compare(last - 1, 2, "*/") != 0) {
@@ -81,7 +81,7 @@ std::string commentAtEndOf(const std::string& text) {
   return text.substr(text.rfind("/**", last));
 }
 
-// `declaration`, a regular expression, captures the name and begins a line.
+// `declaration` is a regular expression for the start of a line; it captures the name.
 std::vector<Entry> entries(const std::string& declaration) {
   const std::regex line("\\n *" + declaration);
   const std::string text = header();
@@ -103,7 +103,7 @@ TEST(Manual, CoversAllTenFunctions) {
   EXPECT_THAT(functions(), SizeIs(10));
 }
 
-TEST(Manual, TellsForEachFunctionHowItBlocksWhatItReturnsAndWhoMayCallIt) {
+TEST(Manual, StatesForEachFunctionWhetherItBlocksWhatItReturnsAndWhichThreadsMayCallIt) {
   for (const auto& [name, manual] : functions()) {
     SCOPED_TRACE(name);
     EXPECT_TRUE(std::regex_search(manual, std::regex("Blocks|Does not block")));
@@ -114,7 +114,7 @@ TEST(Manual, TellsForEachFunctionHowItBlocksWhatItReturnsAndWhoMayCallIt) {
   }
 }
 
-TEST(Manual, NamesForEachFunctionOnlyCodesOfItsOwnSet) {
+TEST(Manual, ListsForEachFunctionOnlyCodesOfItsFeature) {
   for (const auto& [name, manual] : functions()) {
     const bool gesture = name.find("gesture") != std::string::npos;
     EXPECT_EQ(manual.find("#GESTURE_RECOGNITION_ERROR_") != std::string::npos, gesture) << name;
@@ -124,7 +124,7 @@ TEST(Manual, NamesForEachFunctionOnlyCodesOfItsOwnSet) {
   }
 }
 
-TEST(Manual, ExplainsEveryCodeAndNamesEachWhereItIsReturned) {
+TEST(Manual, ExplainsEveryCodeAndListsItForTheFunctionsThatReturnIt) {
   std::string returned;
   for (const auto& [name, manual] : functions()) {
     returned += manual;

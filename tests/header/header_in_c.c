@@ -1,5 +1,5 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* The public header alone, first and again at the end, as any C standard since C89 must accept it. */
+/* The public header included first and on its own, and once more at the end: valid since C89. */
 #include "murlink_robot.h"
 
 static void on_button(int id, int state, void* user_data) {

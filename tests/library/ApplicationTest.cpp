@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whole applications, in processes of their own, with the stand-in for the platform: the C
-// functions called from C, the examples, and what loading and leaving the library does.
+// Complete applications, in processes of their own and with the platform's stand-in: C programs, the
+// examples, the programs that the documentation shows, and a program that loads the library twice.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,6 +13,8 @@ namespace {
 
 using std::chrono::seconds;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 Finished run(std::vector<std::string> command) {
   return runToEnd(std::move(command), {}, seconds(20));
@@ -37,7 +39,7 @@ TEST(CApplication, UsesGestureRecognition) {
             "gesture_recognition_finalize 0\n");
 }
 
-TEST(CApplication, LearnsThatNobodyListens) {
+TEST(CApplication, GetsTheConnectionCodeWhenNobodyListens) {
   const Finished finished = run({C_CALLER, "gesture_recognition_initialize"});
 
   EXPECT_EQ(finished.exit_code, 0);
@@ -50,7 +52,7 @@ TEST(CApplication, FindsItsLogOnStandardError) {
   EXPECT_THAT(finished.err, HasSubstr("ERROR murlink: GestureRecognition.cpp : Initialize("));
 }
 
-TEST(CApplication, MayLoadTheLibraryAndLeaveItAndLoadItAgain) {
+TEST(CApplication, CanLoadTheLibraryUnloadItAndLoadItAgain) {
   SimulatorProcess robot;
 
   const Finished finished = run({RELOAD_PROBE, MURLINK_LIBRARY});
@@ -59,7 +61,7 @@ TEST(CApplication, MayLoadTheLibraryAndLeaveItAndLoadItAgain) {
   EXPECT_EQ(finished.out, "0\n1\n");
 }
 
-TEST(GestureExample, GoesThroughAWholeLife) {
+TEST(GestureExample, RunsToItsEnd) {
   SimulatorProcess robot;
 
   const Finished finished = run({EXAMPLE_GESTURE});
@@ -105,10 +107,10 @@ TEST(FootTouchExample, FailsWhenNobodyListens) {
   const Finished finished = run({EXAMPLE_FOOT_TOUCH});
 
   EXPECT_EQ(finished.exit_code, 1);
-  EXPECT_THAT(finished.err, HasSubstr("foot touch is not to be had: 4"));
+  EXPECT_THAT(finished.err, HasSubstr("foot touch is not available: code 4"));
 }
 
-TEST(ManualExample, GoesThroughAWholeLife) {
+TEST(ManualExample, RunsToItsEnd) {
   SimulatorProcess robot;
 
   const Finished finished = run({MANUAL_EXAMPLE});
@@ -121,7 +123,20 @@ TEST(ManualExample, FailsWhenNobodyListens) {
   const Finished finished = run({MANUAL_EXAMPLE});
 
   EXPECT_EQ(finished.exit_code, 1);
-  EXPECT_THAT(finished.err, HasSubstr("gesture recognition is not to be had: 26710"));
+  EXPECT_THAT(finished.err, HasSubstr("gesture recognition is not available: code 26710"));
+}
+
+// What it prints stays in its buffer until it ends, so the test watches the calls.
+TEST(ReadmeExample, RecognisesGesturesUntilEnter) {
+  SimulatorProcess robot;
+  Conversation example({README_EXAMPLE});
+  robot.waitForEvent([](const auto& event) { return event.value("rpc", "") == "program_run"; });
+  EXPECT_THAT(robot.calls("program_stop"), IsEmpty());
+
+  example.say("\n");
+
+  EXPECT_EQ(example.end(), 0);
+  EXPECT_THAT(robot.calls("program_stop"), SizeIs(1));
 }
 
 }  // namespace

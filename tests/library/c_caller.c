@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* A C application: calls the functions that its arguments name and prints each result, one a line,
-   such as "start_gesture_recognition 0". Exits with 2 for a name that it does not know. */
+/* A C application: calls the functions that its arguments name and prints a line for each, such as
+   "start_gesture_recognition 0". Exits with 2 for an unknown name. */
 #include <stdio.h>
 #include <string.h>
 

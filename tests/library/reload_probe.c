@@ -1,9 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* reload_probe LIBRARY [pressed]
-   Loads the library as a plug-in, uses gestures, prints the result, and unloads it; twice.
-   With "pressed" it uses foot touch: 10 presses have to come after the library was unloaded, and 10
-   more after it was loaded and unloaded again. Then it says "leaving" and leaves with 7, without
-   finalising. */
+   Twice: loads the library as a plug-in, uses gestures, prints the result, and unloads it.
+   With "pressed" it uses foot touch instead and waits for 10 presses after each time it has unloaded
+   the library. Then it prints "leaving" and exits with 7, without finalising. */
 #define _POSIX_C_SOURCE 200809L
 
 #include <dlfcn.h>
@@ -35,7 +34,7 @@ static int wait_for_presses(int number) {
 }
 
 static int call(void* library, const char* name) {
-  /* POSIX's way to turn an object pointer into a function pointer, which C itself does not have. */
+  /* C cannot turn an object pointer into a function pointer; POSIX allows it in this form. */
   result_function function = NULL;
   *(void**)&function = dlsym(library, name);
   return function();
