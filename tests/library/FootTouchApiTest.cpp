@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The foot-touch functions and their states, from a fresh process on. Every test runs in a process
-// of its own and starts where an application starts. Presses are covered by PressesTest.
+// The foot-touch functions and their states. Each test runs in a process of its own, so it starts
+// with foot touch uninitialised. Presses are covered by PressesTest, the whole log by
+// FootTouchLogTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <stdexcept>
 
 #include "FootTouchGrpcClient.h"
@@ -12,13 +12,13 @@
 #include "murlink_robot.h"
 #include "support/Listener.h"
 #include "support/PlatformCapture.h"
+#include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -26,15 +26,9 @@ LogLine info(const std::string& function, const std::string& body) {
   return infoLine("FootTouchAPI.cpp: " + function, body);
 }
 
-// The C layer's own lines.
-std::vector<LogLine> own(const LogCapture& log) {
-  std::vector<LogLine> lines;
-  for (const LogLine& line : log.lines()) {
-    if (line.text.rfind("FootTouchAPI.cpp", 0) == 0) {
-      lines.push_back(line);
-    }
-  }
-  return lines;
+// Without the lines of what the C functions call.
+std::vector<LogLine> linesOfApi(const LogCapture& log) {
+  return log.linesOf("FootTouchAPI.cpp");
 }
 
 std::vector<std::string> rpcs(SimulatorProcess& peers) {
@@ -51,7 +45,7 @@ constexpr button kTwoButtons[] = {{1, 0, 0.5F}, {2, 0.5F, 1}};
 
 class FootTouch : public ::testing::Test {
  protected:
-  // Leaves nothing behind for the next test, should they share a process.
+  // For a next test in the same process.
   ~FootTouch() override {
     peers.command("reset");
     peers.command("when any any answer 0");
@@ -62,7 +56,7 @@ class FootTouch : public ::testing::Test {
   SimulatorProcess peers;
 };
 
-// ---- Fresh
+// ---- Before it is initialised
 
 TEST_F(FootTouch, CannotBeFinalizedBeforeItIsInitialized) {
   const LogCapture log;
@@ -87,11 +81,11 @@ TEST_F(FootTouch, CannotBeStartedBeforeItIsInitialized) {
 
   EXPECT_EQ(start_foot_touch(), 4);
 
-  EXPECT_THAT(own(log), ElementsAre(info("start_foot_touch", "starting foot touch")));
+  EXPECT_THAT(linesOfApi(log), ElementsAre(info("start_foot_touch", "starting foot touch")));
   EXPECT_THAT(rpcs(peers), IsEmpty());
 }
 
-TEST_F(FootTouch, TakesNoLayoutBeforeItIsInitialized) {
+TEST_F(FootTouch, SendsNoLayoutBeforeItIsInitialized) {
   const LogCapture log;
 
   EXPECT_EQ(foot_touch_set_buttons(kTwoButtons, 2), -29398953);
@@ -104,13 +98,13 @@ TEST_F(FootTouch, TakesNoLayoutBeforeItIsInitialized) {
 
 // ---- Initialising
 
-TEST_F(FootTouch, TellsTheDisplayBeforeItSwitchesTheRobotOn) {
+TEST_F(FootTouch, CallsTheDisplayBeforeItSwitchesTheRobotOn) {
   const LogCapture log;
 
   EXPECT_EQ(foot_touch_initialize(), 0);
 
   EXPECT_THAT(rpcs(peers), ElementsAre("setFootTouchAPIServerAddress", "service_On"));
-  EXPECT_THAT(own(log),
+  EXPECT_THAT(linesOfApi(log),
               ElementsAre(info("foot_touch_initialize", "foot_touch_initialize 0529 0716 5s"),
                           info("foot_touch_initialize", "ServerRun"),
                           info("foot_touch_initialize", "footTouchClient init"),
@@ -118,13 +112,13 @@ TEST_F(FootTouch, TellsTheDisplayBeforeItSwitchesTheRobotOn) {
                           info("foot_touch_initialize", "init success")));
 }
 
-TEST_F(FootTouch, IsInitializedOnce) {
+TEST_F(FootTouch, CallsNobodyWhenItIsInitializedAgain) {
   foot_touch_initialize();
   const LogCapture log;
 
   EXPECT_EQ(foot_touch_initialize(), 0);
 
-  EXPECT_THAT(own(log),
+  EXPECT_THAT(linesOfApi(log),
               ElementsAre(info("foot_touch_initialize", "foot_touch_initialize 0529 0716 5s"),
                           info("foot_touch_initialize", "allready initialized")));
   EXPECT_EQ(rpcs(peers).size(), 2U);
@@ -136,7 +130,7 @@ TEST_F(FootTouch, IsNotInitializedWithoutTheDisplay) {
 
   EXPECT_EQ(foot_touch_initialize(), 4);
 
-  EXPECT_THAT(own(log),
+  EXPECT_THAT(linesOfApi(log),
               ElementsAre(info("foot_touch_initialize", "foot_touch_initialize 0529 0716 5s"),
                           info("foot_touch_initialize", "ServerRun"),
                           info("foot_touch_initialize", "footTouchClient init"),
@@ -146,35 +140,31 @@ TEST_F(FootTouch, IsNotInitializedWithoutTheDisplay) {
   EXPECT_EQ(foot_touch_finalize(), 4);
 }
 
-TEST_F(FootTouch, IsInitializedOnceTheDisplayIsBack) {
+TEST_F(FootTouch, CanBeInitializedOnceTheDisplayIsBack) {
   peers.command("when setFootTouchAPIServerAddress fail UNAVAILABLE once");
   foot_touch_initialize();
 
   EXPECT_EQ(foot_touch_initialize(), 0);
 }
 
-struct Refusal {
+struct RobotRow {
   const char* name;
-  const char* told;
+  const char* behaviour;
   int result;
 };
 
-void PrintTo(const Refusal& refusal, std::ostream* out) {
-  *out << refusal.name;
+void PrintTo(const RobotRow& row, std::ostream* out) {
+  *out << row.name;
 }
 
-std::string refusalName(const ::testing::TestParamInfo<Refusal>& row) {
-  return row.param.name;
-}
+class HalfInitialized : public FootTouch, public ::testing::WithParamInterface<RobotRow> {};
 
-class HalfInitialized : public FootTouch, public ::testing::WithParamInterface<Refusal> {};
-
-TEST_P(HalfInitialized, KeepsItsServerAndTriesTheRobotAgain) {
-  peers.command(std::string("when service_On foot-touch ") + GetParam().told + " once");
+TEST_P(HalfInitialized, KeepsItsServerAndCallsTheRobotAgain) {
+  peers.command(std::string("when service_On foot-touch ") + GetParam().behaviour + " once");
   {
     const LogCapture log;
     EXPECT_EQ(foot_touch_initialize(), GetParam().result);
-    EXPECT_EQ(own(log).back(), info("foot_touch_initialize", "done"));
+    EXPECT_EQ(linesOfApi(log).back(), info("foot_touch_initialize", "done"));
   }
   EXPECT_EQ(foot_touch_finalize(), 4);
   peers.command("when service_On foot-touch answer 0");
@@ -188,14 +178,14 @@ TEST_P(HalfInitialized, KeepsItsServerAndTriesTheRobotAgain) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Robot, HalfInitialized,
-                         ::testing::Values(Refusal{"IsOn", "answer 1", 1},
-                                           Refusal{"Answers2", "answer 2", -1073741824},
-                                           Refusal{"IsGone", "answer 3", -1073741822},
-                                           Refusal{"IsSilent", "never", -110},
-                                           Refusal{"Fails", "fail UNAVAILABLE", -29398954}),
-                         refusalName);
+                         ::testing::Values(RobotRow{"IsOn", "answer 1", 1},
+                                           RobotRow{"Answers2", "answer 2", -1073741824},
+                                           RobotRow{"IsGone", "answer 3", -1073741822},
+                                           RobotRow{"IsSilent", "never", -110},
+                                           RobotRow{"Fails", "fail UNAVAILABLE", -29398954}),
+                         rowName<RobotRow>);
 
-TEST_F(FootTouch, GoesOnListeningWhenTheRobotFailed) {
+TEST_F(FootTouch, KeepsListeningWhenTheRobotRefuses) {
   peers.command("when service_On foot-touch answer 1");
   foot_touch_initialize();
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
@@ -208,7 +198,7 @@ TEST_F(FootTouch, GoesOnListeningWhenTheRobotFailed) {
   EXPECT_EQ(peers.command("press 7 --force").at("s"), 4);
 }
 
-TEST_F(FootTouch, NeedsTheLens) {
+TEST_F(FootTouch, IsNotSupportedWithoutTheLens) {
   const Device device(false, false);
 
   EXPECT_EQ(foot_touch_initialize(), 5);
@@ -217,7 +207,7 @@ TEST_F(FootTouch, NeedsTheLens) {
   EXPECT_EQ(foot_touch_finalize(), 4);
 }
 
-TEST_F(FootTouch, GoesThroughTheClientThatWasSetBeforehand) {
+TEST_F(FootTouch, UsesTheClientThatWasSetBeforeItIsInitialized) {
   class Substitute : public FootTouchGrpcClient {
    public:
     int serviceOn() override { return 0; }
@@ -229,7 +219,7 @@ TEST_F(FootTouch, GoesThroughTheClientThatWasSetBeforehand) {
   FootTouchGrpcClient::setInstance(&substitute);
 
   EXPECT_EQ(foot_touch_initialize(), 0);
-  FootTouchGrpcClient::setInstance(nullptr);  // too late to make a difference
+  FootTouchGrpcClient::setInstance(nullptr);  // no effect after initialize
 
   EXPECT_EQ(start_foot_touch(), 71);
   EXPECT_EQ(stop_foot_touch(), 72);
@@ -237,7 +227,7 @@ TEST_F(FootTouch, GoesThroughTheClientThatWasSetBeforehand) {
   EXPECT_THAT(rpcs(peers), ElementsAre("setFootTouchAPIServerAddress"));
 }
 
-// ---- Running
+// ---- Initialised
 
 TEST_F(FootTouch, StartsAndStopsRecognition) {
   foot_touch_initialize();
@@ -248,10 +238,10 @@ TEST_F(FootTouch, StartsAndStopsRecognition) {
   EXPECT_EQ(stop_foot_touch(), 0);
   EXPECT_EQ(stop_foot_touch(), 3);
 
-  EXPECT_THAT(own(log), ElementsAre(info("start_foot_touch", "starting foot touch"),
-                                    info("start_foot_touch", "starting foot touch"),
-                                    info("stop_foot_touch", "stopping foot touch"),
-                                    info("stop_foot_touch", "stopping foot touch")));
+  EXPECT_THAT(linesOfApi(log), ElementsAre(info("start_foot_touch", "starting foot touch"),
+                                           info("start_foot_touch", "starting foot touch"),
+                                           info("stop_foot_touch", "stopping foot touch"),
+                                           info("stop_foot_touch", "stopping foot touch")));
 }
 
 TEST_F(FootTouch, SendsALayout) {
@@ -260,9 +250,20 @@ TEST_F(FootTouch, SendsALayout) {
 
   EXPECT_EQ(foot_touch_set_buttons(kTwoButtons, 2), 0);
 
-  EXPECT_THAT(own(log), ElementsAre(info("foot_touch_set_buttons", "foot_touch_set_buttons"),
-                                    info("check_buttons", "check_buttons")));
+  EXPECT_THAT(linesOfApi(log), ElementsAre(info("foot_touch_set_buttons", "foot_touch_set_buttons"),
+                                           info("check_buttons", "check_buttons")));
   peers.command("expect buttons 1 2");
+}
+
+TEST_F(FootTouch, SendsEveryFieldOfALayoutUnchanged) {
+  foot_touch_initialize();
+  const button buttons[] = {{2147483647, 0.125F, 0.3F}, {0, 0.7F, 0.7F}};
+
+  EXPECT_EQ(foot_touch_set_buttons(buttons, 2), 0);
+
+  EXPECT_EQ(peers.calls("setButtons").at(0).at("buttons"),
+            (SimulatorProcess::Json{{{"id", 2147483647}, {"start", 0.125}, {"end", 0.3}},
+                                    {{"id", 0}, {"start", 0.7}, {"end", 0.7}}}));
 }
 
 TEST_F(FootTouch, SendsAnEmptyLayout) {
@@ -274,15 +275,14 @@ TEST_F(FootTouch, SendsAnEmptyLayout) {
   peers.command("expect buttons");
 }
 
-TEST_F(FootTouch, SendsNoInvalidLayout) {
+TEST_F(FootTouch, DoesNotSendAnInvalidLayout) {
   foot_touch_initialize();
-  const button wrong[] = {{1, 0, 0.6F}, {2, 0.5F, 1}};
-
+  const button overlapping[] = {{1, 0, 0.6F}, {2, 0.5F, 1}};
   const LogCapture log;
 
-  EXPECT_EQ(foot_touch_set_buttons(wrong, 2), -22);
+  EXPECT_EQ(foot_touch_set_buttons(overlapping, 2), -22);
 
-  EXPECT_EQ(own(log).size(), 3U);
+  EXPECT_EQ(linesOfApi(log).size(), 3U);
   EXPECT_THAT(log.lines(),
               Not(Contains(infoLine("FootTouchServerManager.cpp: GetInstance", "GetInstance"))));
   EXPECT_THAT(peers.calls("setButtons"), IsEmpty());
@@ -311,21 +311,22 @@ TEST_F(FootTouch, LogsThatACallbackIsSet) {
 
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
 
-  EXPECT_THAT(own(log), ElementsAre(info("foot_touch_set_button_cb", "foot_touch_set_button_cb!"),
-                                    info("foot_touch_set_button_cb", "button callback set.")));
+  EXPECT_THAT(linesOfApi(log),
+              ElementsAre(info("foot_touch_set_button_cb", "foot_touch_set_button_cb!"),
+                          info("foot_touch_set_button_cb", "button callback set.")));
 }
 
-// ---- Finalising
+// ---- Finalised
 
-TEST_F(FootTouch, TearsTheServerDownBeforeItSwitchesTheRobotOff) {
+TEST_F(FootTouch, ShutsItsServerDownBeforeItSwitchesTheRobotOff) {
   ASSERT_EQ(foot_touch_initialize(), 0);
   const LogCapture log;
 
   EXPECT_EQ(foot_touch_finalize(), 0);
 
   EXPECT_THAT(rpcs(peers), Contains("service_Off"));
-  EXPECT_THAT(own(log), ElementsAre(info("foot_touch_finalize", "foot_touch_finalize"),
-                                    info("foot_touch_finalize", "deinit success")));
+  EXPECT_THAT(linesOfApi(log), ElementsAre(info("foot_touch_finalize", "foot_touch_finalize"),
+                                           info("foot_touch_finalize", "deinit success")));
   const auto all = log.lines();
   const auto down = std::find(all.begin(), all.end(),
                               errorLine("GrpcServer.cpp: terminate_server", "server shutdown"));
@@ -336,11 +337,11 @@ TEST_F(FootTouch, TearsTheServerDownBeforeItSwitchesTheRobotOff) {
   EXPECT_LT(down, off);
 }
 
-class FinalizeFailed : public FootTouch, public ::testing::WithParamInterface<Refusal> {};
+class FailedFinalize : public FootTouch, public ::testing::WithParamInterface<RobotRow> {};
 
-TEST_P(FinalizeFailed, StaysInitializedWithoutAServerAndCanBeTriedAgain) {
+TEST_P(FailedFinalize, LeavesFootTouchInitializedWithoutAServerAndCanBeRepeated) {
   foot_touch_initialize();
-  peers.command(std::string("when service_Off foot-touch ") + GetParam().told);
+  peers.command(std::string("when service_Off foot-touch ") + GetParam().behaviour);
   EXPECT_EQ(foot_touch_finalize(), GetParam().result);
   {
     const LogCapture log;
@@ -357,15 +358,15 @@ TEST_P(FinalizeFailed, StaysInitializedWithoutAServerAndCanBeTriedAgain) {
                                              "server not running, nothing to do.")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Robot, FinalizeFailed,
-                         ::testing::Values(Refusal{"IsOff", "answer 1", 4},
-                                           Refusal{"Answers2", "answer 2", -1073741824},
-                                           Refusal{"IsGone", "answer 3", -1073741822},
-                                           Refusal{"IsSilent", "never", -110},
-                                           Refusal{"Fails", "fail UNAVAILABLE", -29398954}),
-                         refusalName);
+INSTANTIATE_TEST_SUITE_P(Robot, FailedFinalize,
+                         ::testing::Values(RobotRow{"IsOff", "answer 1", 4},
+                                           RobotRow{"Answers2", "answer 2", -1073741824},
+                                           RobotRow{"IsGone", "answer 3", -1073741822},
+                                           RobotRow{"IsSilent", "never", -110},
+                                           RobotRow{"Fails", "fail UNAVAILABLE", -29398954}),
+                         rowName<RobotRow>);
 
-TEST_F(FootTouch, KeepsItsClientAfterItIsFinalized) {
+TEST_F(FootTouch, StillSendsCommandsAfterItIsFinalized) {
   foot_touch_initialize();
   foot_touch_finalize();
   const LogCapture log;
@@ -380,10 +381,10 @@ TEST_F(FootTouch, KeepsItsClientAfterItIsFinalized) {
                                ::testing::StartsWith("GrpcServer.cpp: getInstance(#) > new "))));
 }
 
-TEST_F(FootTouch, IsInitializedAgainAfterItIsFinalized) {
+TEST_F(FootTouch, CanBeInitializedAgainAfterItIsFinalized) {
   foot_touch_initialize();
   foot_touch_finalize();
-  start_foot_touch();  // makes a server instance that the next start adopts
+  start_foot_touch();  // creates the server instance that the next initialize starts
   const LogCapture log;
 
   EXPECT_EQ(foot_touch_initialize(), 0);
@@ -392,121 +393,9 @@ TEST_F(FootTouch, IsInitializedAgainAfterItIsFinalized) {
   EXPECT_THAT(log.lines(), Contains(kListening));
 }
 
-// ---- A whole life, line by line
+// ---- A callback that is set too early
 
-// What everybody but the server thread logs, with pointers masked: "function: body".
-std::vector<std::string> story(const LogCapture& log) {
-  static const std::regex pointer("0x[0-9a-f]+");
-  static const std::regex origin(R"(\w+\.cpp ?: (~?\w+)\(#\) > )");
-  std::vector<std::string> lines;
-  for (const LogLine& line : log.lines()) {
-    if (line.text.find(": serve(#)") == std::string::npos) {
-      const std::string masked = std::regex_replace(line.text, pointer, "PTR");
-      const std::string text = std::regex_replace(masked, origin, "$1: ");
-      lines.push_back((line.priority == 6 ? "E " : "I ") + text.substr(0, text.size() - 1));
-    }
-  }
-  return lines;
-}
-
-const std::vector<std::string> kManager = {"I GetInstance: GetInstance",
-                                           "I GetInstance: return instance PTR"};
-
-std::vector<std::string> joined(std::initializer_list<std::vector<std::string>> parts) {
-  std::vector<std::string> all;
-  for (const auto& part : parts) {
-    all.insert(all.end(), part.begin(), part.end());
-  }
-  return all;
-}
-
-const std::vector<std::string> kServerStart = {
-    "I getInstance: new FootTouch_Server PTR",
-    "I getInstance: FootTouch_Server Instance get PTR ",
-    "I initialize: foot touch api server address set to: " MURLINK_DISPLAY_HOST ":26711",
-    "I sync_address: sync_address",
-    "I sync_address: the address is :" MURLINK_DISPLAY_HOST ":26711",
-    "I sync_address: send address",
-    "I sync_address: sync_address OK",
-    "I initialize: initialized.",
-    "I run_server: server_thread started",
-    "I foot_touch_initialize: ServerRun"};
-
-const std::vector<std::string> kRobotOn = {"I getInstance: get instance PTR",
-                                           "I foot_touch_initialize: footTouchClient init",
-                                           "I foot_touch_initialize: done",
-                                           "I serviceOn: FootTouchGrpcClient::serviceOn begin",
-                                           "I serviceOn: foot touch service initialize OK",
-                                           "I foot_touch_initialize: init success"};
-
-const std::vector<std::string> kBanner = {
-    "I foot_touch_initialize: foot_touch_initialize 0529 0716 5s"};
-
-TEST_F(FootTouch, TellsItsWholeLifeInTheLog) {
-  FootTouchServerManager::GetInstance();
-  delete FootTouchGrpcClient::_instance;
-  FootTouchGrpcClient::setInstance(nullptr);
-  const LogCapture log;
-
-  foot_touch_finalize();
-  foot_touch_initialize();
-  foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
-  foot_touch_set_buttons(kTwoButtons, 2);
-  start_foot_touch();
-  waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
-  peers.command("tap 1");
-  stop_foot_touch();
-  foot_touch_finalize();
-  foot_touch_initialize();
-
-  EXPECT_THAT(
-      story(log),
-      ElementsAreArray(joined(
-          {{"I foot_touch_finalize: not init foot touch, init first"},
-           kBanner,
-           kManager,
-           kServerStart,
-           {"I FootTouchGrpcClient: create  FootTouchGrpcClient"},
-           kRobotOn,
-           {"I foot_touch_set_button_cb: foot_touch_set_button_cb!"},
-           kManager,
-           {"I foot_touch_set_button_cb: button callback set.",
-            "I foot_touch_set_buttons: foot_touch_set_buttons", "I check_buttons: check_buttons"},
-           kManager,
-           {"I send_button_info: send_button_info successed",
-            "I start_foot_touch: starting foot touch"},
-           kManager,
-           {"I getInstance: FootTouch_Server Instance get PTR ", "I programRun: programRun BIEGIN",
-            "I programRun: stub ->program_run() begin", "I programRun: stub ->program_run() done",
-            "I programRun: foot touch run OK", "I service_On: button_cb for service on",
-            "I service_On: the request is 1 and the state is 1 (on)",
-            "I service_On: button_cb for service on done",
-            "I service_Off: button_cb for service off",
-            "I service_Off: the request is 1 and the state is 0 (off)",
-            "I service_Off: button_cb for service off done",
-            "I stop_foot_touch: stopping foot touch", "I programStop: programStop BEGIN",
-            "I programStop: stub ->program_stop() begin",
-            "I programStop: stub ->program_stop() done",
-            "I programStop: foot touch stopped, status OK",
-            "I foot_touch_finalize: foot_touch_finalize"},
-           kManager,
-           {"I ServerStop: terminate_callback_server", "I releaseInstance: 0522 0522 release",
-            "I terminate_server: terminate_server", "I terminate_server: shutting down",
-            "E terminate_server: server shutdown", "I terminate_server: server terminated.",
-            "I terminate_server: 0522 0522 done terminate",
-            "I ~FootTouch_Server: ~FootTouch_Server", "I releaseInstance: delete FootTouch_Server",
-            "I releaseInstance: Instance Released", "I ServerStop: releaseInstance done",
-            "I serviceOff: foot touch service finalize OK",
-            "I foot_touch_finalize: deinit success"},
-           kBanner,
-           kManager,
-           kServerStart,
-           kRobotOn})));
-}
-
-// ---- A callback that comes too early
-
-TEST_F(FootTouch, StaysDeafWhenTheCallbackIsSetFirst) {
+TEST_F(FootTouch, DoesNotListenWhenTheCallbackIsSetBeforeInitialize) {
   {
     const LogCapture log;
     foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
@@ -522,7 +411,7 @@ TEST_F(FootTouch, StaysDeafWhenTheCallbackIsSetFirst) {
   EXPECT_THAT(log.lines(), Not(Contains(kListening)));
 }
 
-TEST_F(FootTouch, HearsAgainAfterAnotherRound) {
+TEST_F(FootTouch, ListensAfterAnEarlyCallbackOnceItIsFinalizedAndInitializedAgain) {
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
   foot_touch_initialize();
   foot_touch_finalize();

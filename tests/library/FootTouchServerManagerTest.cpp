@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The server manager: when the callback server is made, started and torn down, and what becomes of
-// its results. Everything is seen from outside, in the log and at the peers.
+// The server manager: when it creates, starts and shuts down the callback server, and which results
+// it returns. All of it is observed from outside, in the log and at the peers.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -31,15 +31,9 @@ LogLine error(const std::string& function, const std::string& body) {
   return errorLine("FootTouchServerManager.cpp: " + function, body);
 }
 
-// The manager's own lines, without those of the server below it.
-std::vector<LogLine> own(const LogCapture& log) {
-  std::vector<LogLine> lines;
-  for (const LogLine& line : log.lines()) {
-    if (line.text.rfind("FootTouchServerManager.cpp", 0) == 0) {
-      lines.push_back(line);
-    }
-  }
-  return lines;
+// The manager's own lines, without those of the server.
+std::vector<LogLine> linesOfManager(const LogCapture& log) {
+  return log.linesOf("FootTouchServerManager.cpp");
 }
 
 const LogLine kListening =
@@ -56,7 +50,7 @@ class ManagerSingleton : public ::testing::Test {
   FootTouchServerManager* const former_ = FootTouchServerManager::_instance;
 };
 
-TEST_F(ManagerSingleton, IsMadeOnceAndLoggedEachTime) {
+TEST_F(ManagerSingleton, IsCreatedOnceAndLoggedEachTime) {
   const LogCapture log;
 
   const std::unique_ptr<FootTouchServerManager> first(FootTouchServerManager::GetInstance());
@@ -71,7 +65,7 @@ TEST_F(ManagerSingleton, IsMadeOnceAndLoggedEachTime) {
                           info("GetInstance", "return instance " + shown(second))));
 }
 
-TEST_F(ManagerSingleton, IsReplacedWithoutBeingTouched) {
+TEST_F(ManagerSingleton, IsReplacedWithoutBeingDeleted) {
   FootTouchServerManager former;
   FootTouchServerManager::setInstance(&former);
   FootTouchServerManager latter;
@@ -95,14 +89,14 @@ TEST_F(ManagerSingleton, LogsItsDestruction) {
               ElementsAre(info("~FootTouchServerManager", "release ~FootTouchServerManager")));
 }
 
-TEST_F(ManagerSingleton, TakesItsOperationsInTheFixedOrder) {
+TEST_F(ManagerSingleton, HasItsOperationsInTheFixedOrder) {
   EXPECT_EQ(virtualSlot(&IFootTouchServerManager::ServerRun), kFirstSlotAfterDestructor);
   EXPECT_EQ(virtualSlot(&IFootTouchServerManager::ServerStop), kFirstSlotAfterDestructor + 1);
   EXPECT_EQ(virtualSlot(&IFootTouchServerManager::SetBtnCB), kFirstSlotAfterDestructor + 2);
   EXPECT_EQ(virtualSlot(&IFootTouchServerManager::SendBtnInfo), kFirstSlotAfterDestructor + 3);
 }
 
-// ---- Running and stopping
+// ---- Start and stop
 
 class ServerManager : public ::testing::Test {
  protected:
@@ -112,7 +106,7 @@ class ServerManager : public ::testing::Test {
   FootTouchServerManager manager;
 };
 
-TEST_F(ServerManager, TellsTheDisplayItsAddressAndListens) {
+TEST_F(ServerManager, SendsItsAddressToTheDisplayAndListens) {
   const LogCapture log;
 
   EXPECT_EQ(manager.ServerRun(), 0);
@@ -122,13 +116,13 @@ TEST_F(ServerManager, TellsTheDisplayItsAddressAndListens) {
   EXPECT_THAT(log.lines(), Contains(kListening));
 }
 
-TEST_F(ServerManager, RunsOnceAndIsSilentTheSecondTime) {
+TEST_F(ServerManager, StartsItsServerOnceAndLogsNothingTheSecondTime) {
   manager.ServerRun();
   const LogCapture log;
 
   EXPECT_EQ(manager.ServerRun(), 0);
 
-  EXPECT_THAT(own(log), IsEmpty());
+  EXPECT_THAT(linesOfManager(log), IsEmpty());
   EXPECT_EQ(display.calls().size(), 1U);
 }
 
@@ -138,15 +132,15 @@ TEST_F(ServerManager, StopsTheServer) {
 
   EXPECT_EQ(manager.ServerStop(), 0);
 
-  EXPECT_THAT(own(log), ElementsAre(info("ServerStop", "terminate_callback_server"),
-                                    info("ServerStop", "releaseInstance done")));
+  EXPECT_THAT(linesOfManager(log), ElementsAre(info("ServerStop", "terminate_callback_server"),
+                                               info("ServerStop", "releaseInstance done")));
   EXPECT_THAT(log.lines(),
               Contains(errorLine("GrpcServer.cpp: terminate_server", "server shutdown")));
   EXPECT_THAT(log.lines(),
               Contains(infoLine("GrpcServer.cpp: releaseInstance", "delete FootTouch_Server")));
 }
 
-TEST_F(ServerManager, HasNothingToStopWhenIdle) {
+TEST_F(ServerManager, ReportsThatThereIsNothingToStop) {
   const LogCapture log;
 
   EXPECT_EQ(manager.ServerStop(), 0);
@@ -155,7 +149,7 @@ TEST_F(ServerManager, HasNothingToStopWhenIdle) {
                                        info("ServerStop", "server not running, nothing to do.")));
 }
 
-TEST_F(ServerManager, RunsAgainWithANewServerAfterItsStop) {
+TEST_F(ServerManager, StartsANewServerAfterAStop) {
   manager.ServerRun();
   manager.ServerStop();
   const LogCapture log;
@@ -167,29 +161,41 @@ TEST_F(ServerManager, RunsAgainWithANewServerAfterItsStop) {
   EXPECT_EQ(display.calls().size(), 2U);
 }
 
-class UnreachableDisplay : public ServerManager,
-                           public ::testing::WithParamInterface<const char*> {};
+struct DisplayRow {
+  const char* name;
+  const char* behaviour;
+};
 
-TEST_P(UnreachableDisplay, FailsAndLeavesNoServer) {
-  display.command(std::string("when setFootTouchAPIServerAddress ") + GetParam());
+void PrintTo(const DisplayRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class FailedStart : public ServerManager, public ::testing::WithParamInterface<DisplayRow> {};
+
+TEST_P(FailedStart, LeavesNoServer) {
+  display.command(std::string("when setFootTouchAPIServerAddress ") + GetParam().behaviour);
   const LogCapture log;
 
   EXPECT_EQ(manager.ServerRun(), 1);
   EXPECT_EQ(manager.ServerStop(), 0);
 
-  EXPECT_THAT(own(log), ElementsAre(info("ServerRun", "foot_touch_server initialize failed"),
-                                    info("ServerStop", "terminate_callback_server"),
-                                    info("ServerStop", "server not running, nothing to do.")));
+  EXPECT_THAT(linesOfManager(log),
+              ElementsAre(info("ServerRun", "foot_touch_server initialize failed"),
+                          info("ServerStop", "terminate_callback_server"),
+                          info("ServerStop", "server not running, nothing to do.")));
   EXPECT_THAT(log.lines(),
               Contains(infoLine("GrpcServer.cpp: releaseInstance", "delete FootTouch_Server")));
   EXPECT_THAT(log.lines(),
               Not(Contains(infoLine("GrpcServer.cpp: terminate_server", "terminate_server"))));
 }
 
-INSTANTIATE_TEST_SUITE_P(That, UnreachableDisplay,
-                         ::testing::Values("answer 1", "fail UNAVAILABLE", "never"));
+INSTANTIATE_TEST_SUITE_P(Display, FailedStart,
+                         ::testing::Values(DisplayRow{"Refuses", "answer 1"},
+                                           DisplayRow{"Fails", "fail UNAVAILABLE"},
+                                           DisplayRow{"IsSilent", "never"}),
+                         rowName<DisplayRow>);
 
-TEST_F(ServerManager, LogsItsFailureBeforeItReleasesTheServer) {
+TEST_F(ServerManager, LogsAFailedStartBeforeItReleasesTheServer) {
   display.command("when setFootTouchAPIServerAddress answer 1");
   const LogCapture log;
 
@@ -200,7 +206,7 @@ TEST_F(ServerManager, LogsItsFailureBeforeItReleasesTheServer) {
   EXPECT_EQ(lines[lines.size() - 5], info("ServerRun", "foot_touch_server initialize failed"));
 }
 
-TEST_F(ServerManager, StartsOverAfterTheDisplayCameBack) {
+TEST_F(ServerManager, CanStartOnceTheDisplayIsBack) {
   display.command("when setFootTouchAPIServerAddress answer 1 once");
   manager.ServerRun();
 
@@ -209,28 +215,28 @@ TEST_F(ServerManager, StartsOverAfterTheDisplayCameBack) {
 
 // ---- Callback
 
-TEST_F(ServerManager, TakesACallbackForARunningServerSilently) {
+TEST_F(ServerManager, LogsNothingWhenItSetsTheCallbackOfARunningServer) {
   manager.ServerRun();
   const LogCapture log;
 
   EXPECT_EQ(manager.SetBtnCB([](int, int, void*) {}, nullptr), 0);
 
-  EXPECT_THAT(own(log), IsEmpty());
+  EXPECT_THAT(linesOfManager(log), IsEmpty());
 }
 
-TEST_F(ServerManager, HoldsAnUnstartedServerForACallbackThatComesTooEarly) {
+TEST_F(ServerManager, KeepsAnUnstartedServerForACallbackThatIsSetTooEarly) {
   const LogCapture log;
 
   EXPECT_EQ(manager.SetBtnCB(nullptr, nullptr), 0);
   EXPECT_EQ(manager.ServerRun(), 0);
 
-  EXPECT_THAT(own(log),
+  EXPECT_THAT(linesOfManager(log),
               ElementsAre(error("SetBtnCB", "WARNING: not initialized, initialize first!"),
                           info("ServerRun", "server already running on .")));
   EXPECT_TRUE(display.calls().empty());
 }
 
-TEST_F(ServerManager, WarnsOfATooEarlyCallbackOnceItHasAServerForIt) {
+TEST_F(ServerManager, WarnsAboutAnEarlyCallbackAfterCreatingAServerForIt) {
   const LogCapture log;
 
   manager.SetBtnCB(nullptr, nullptr);
@@ -239,7 +245,7 @@ TEST_F(ServerManager, WarnsOfATooEarlyCallbackOnceItHasAServerForIt) {
   EXPECT_EQ(log.lines().back(), error("SetBtnCB", "WARNING: not initialized, initialize first!"));
 }
 
-TEST_F(ServerManager, StartsTheServerOnceTheEarlyCallbackIsCleanedUp) {
+TEST_F(ServerManager, StartsAServerAfterAnEarlyCallbackAndAStop) {
   manager.SetBtnCB(nullptr, nullptr);
   manager.ServerRun();
   manager.ServerStop();
@@ -251,7 +257,7 @@ TEST_F(ServerManager, StartsTheServerOnceTheEarlyCallbackIsCleanedUp) {
   EXPECT_THAT(log.lines(), Contains(kListening));
 }
 
-TEST_F(ServerManager, AdoptsAServerThatIsThereAlready) {
+TEST_F(ServerManager, StartsAServerThatExistsAlready) {
   FootTouch_Server* const there = manager.get_server_instance();
   const LogCapture log;
 
@@ -264,7 +270,7 @@ TEST_F(ServerManager, AdoptsAServerThatIsThereAlready) {
 
 // ---- Layout
 
-TEST_F(ServerManager, SendsNoLayoutWhileIdle) {
+TEST_F(ServerManager, SendsNoLayoutWithoutAServer) {
   std::vector<button> layout{{1, 0, 1}};
   const LogCapture log;
 
@@ -276,7 +282,7 @@ TEST_F(ServerManager, SendsNoLayoutWhileIdle) {
   EXPECT_TRUE(display.calls().empty());
 }
 
-TEST_F(ServerManager, FailsToSendALayoutThroughAnUnstartedServer) {
+TEST_F(ServerManager, SendsNoLayoutThroughAnUnstartedServer) {
   manager.SetBtnCB(nullptr, nullptr);
   std::vector<button> layout{{1, 0, 1}};
 
@@ -287,7 +293,7 @@ TEST_F(ServerManager, FailsToSendALayoutThroughAnUnstartedServer) {
 
 struct LayoutRow {
   const char* name;
-  const char* told;
+  const char* behaviour;
   int result;
 };
 
@@ -297,15 +303,15 @@ void PrintTo(const LayoutRow& row, std::ostream* out) {
 
 class SentLayout : public ServerManager, public ::testing::WithParamInterface<LayoutRow> {};
 
-TEST_P(SentLayout, BecomesOneResult) {
+TEST_P(SentLayout, HasOneResult) {
   manager.ServerRun();
-  display.command(std::string("when setButtons ") + GetParam().told);
+  display.command(std::string("when setButtons ") + GetParam().behaviour);
   std::vector<button> layout{{1, 0, 1}};
   const LogCapture log;
 
   EXPECT_EQ(manager.SendBtnInfo(layout), GetParam().result);
 
-  EXPECT_THAT(own(log), IsEmpty());
+  EXPECT_THAT(linesOfManager(log), IsEmpty());
   EXPECT_EQ(display.calls("setButtons").size(), 1U);
 }
 

@@ -116,6 +116,18 @@ std::vector<LogLine> LogCapture::lines() const {
   return lines_;
 }
 
+std::vector<LogLine> LogCapture::linesOf(const std::string& file,
+                                         const std::string& function) const {
+  const std::string place = function.empty() ? ": " : ": " + function + "(#)";
+  std::vector<LogLine> found;
+  for (const LogLine& line : lines()) {
+    if (line.text.rfind(file, 0) == 0 && line.text.find(place) != std::string::npos) {
+      found.push_back(line);
+    }
+  }
+  return found;
+}
+
 std::vector<LogLine> LogCapture::take() {
   const std::lock_guard<std::mutex> lock(platform().mutex);
   return std::exchange(lines_, {});

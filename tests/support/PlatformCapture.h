@@ -41,6 +41,8 @@ class LogCapture {
   LogCapture& operator=(const LogCapture&) = delete;
 
   std::vector<LogLine> lines() const;
+  // Those of one source file, or of one function in it.
+  std::vector<LogLine> linesOf(const std::string& file, const std::string& function = "") const;
   // The lines since the last time; the capture keeps none of them.
   std::vector<LogLine> take();
   // How many lines there were, those that were taken included.
