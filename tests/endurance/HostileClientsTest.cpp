@@ -12,7 +12,6 @@
 #include "Attacks.h"
 #include "Endurance.h"
 #include "Held.h"
-#include "LargePress.h"
 #include "support/Http2Frames.h"
 #include "support/Resources.h"
 #include "support/RowName.h"
@@ -199,16 +198,6 @@ TEST_F(RunningFootTouch, AnswersAtItsEndThePressWhoseCallbackTakesItsTime) {
   EXPECT_EQ(foot_touch_finalize(), 0);
 
   EXPECT_EQ(pressing.get().value("s", -1), 0);
-}
-
-// ---- What a press may hold
-
-TEST_F(RunningFootTouch, TakesPressesWithFieldsThatItDoesNotKnow) {
-  EXPECT_EQ(pressOfSize(64 * 1024), grpc::StatusCode::OK);
-}
-
-TEST_F(RunningFootTouch, RefusesPressesOfMoreThan64KiB) {
-  EXPECT_EQ(pressOfSize(64 * 1024 + 1), grpc::StatusCode::RESOURCE_EXHAUSTED);
 }
 
 std::string begun(const std::vector<http2::Frame>& frames) {

@@ -203,30 +203,4 @@ TEST_F(Presses, NeverEndInAnEmptyCallWhileTheCallbackIsCleared) {
   EXPECT_THAT(answers, ElementsAre(0, 4));
 }
 
-TEST_F(Presses, AreWaitedForAtTheEndEvenWhenTheirRecogniserIsDead) {
-  struct Gate {
-    std::promise<void> entered;
-    std::promise<void> go;
-  } gate;
-  foot_touch_set_button_cb(
-      [](int, int, void* data) {
-        static_cast<Gate*>(data)->entered.set_value();
-        static_cast<Gate*>(data)->go.get_future().wait();
-      },
-      &gate);
-  RecogniserProcess killed;
-  auto pressing = std::async(std::launch::async,
-                             [&] { EXPECT_THROW(killed.command("press 1"), std::runtime_error); });
-  gate.entered.get_future().wait();
-  killed.signal(SIGKILL);
-  killed.waitForEnd();
-  pressing.get();
-  auto end = std::async(std::launch::async, foot_touch_finalize);
-
-  EXPECT_EQ(end.wait_for(std::chrono::milliseconds(100)), std::future_status::timeout);
-  gate.go.set_value();
-
-  EXPECT_EQ(end.get(), 0);
-}
-
 }  // namespace

@@ -29,8 +29,8 @@ ASK_FIRST = {
     "Log": ["LogTest", "CheckButtonsTest"],
     "RobotCall": ["RobotCallTest", "RobotCommandsTest"],
     "RobotChannel": ["RobotChannelTest", "OneChannelTest"],
-    "RunningReports": ["GrpcServerTest"],
-    "ServerSetup": ["GrpcServerTest"],
+    "RunningReports": ["RunningReportsTest"],
+    "ServerSetup": ["ServerSetupTest"],
     "UnaryCall": ["RobotCommandsTest", "DisplaySyncTest"],
 }
 FIRST_TARGETS = ["InsideTests", "LibraryTests", "OneChannelTests"]
