@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// How a press becomes a call of the application's callback, one at a time. Many at once, and
-// through the C functions, are covered by PressesTest.
+// How a press becomes a call of the application's callback, one at a time. Several presses at once,
+// and the C functions, are covered by PressesTest.
 #include <gmock/gmock.h>
 
 #include <future>
@@ -9,6 +9,7 @@
 
 #include "support/CallbackServer.h"
 #include "support/PlatformCapture.h"
+#include "support/RowName.h"
 
 namespace {
 
@@ -17,18 +18,19 @@ using ::testing::ElementsAre;
 constexpr const char* kOn = "GrpcServer.cpp: service_On";
 constexpr const char* kOff = "GrpcServer.cpp: service_Off";
 
-struct Called {
+struct Call {
   int id;
   int state;
   void* user_data;
 };
 
-bool operator==(const Called& a, const Called& b) {
+bool operator==(const Call& a, const Call& b) {
   return std::tie(a.id, a.state, a.user_data) == std::tie(b.id, b.state, b.user_data);
 }
 
-// Keeps what a callback is told; an order made by the call alone would look like a race.
-class Notes {
+// Keeps the arguments of each call of its callback. The mutex also tells the thread sanitizer that a
+// call comes before the test reads it.
+class Calls {
  public:
   FootTouch_Server::ButtonCallback callback() {
     return [this](int id, int state, void* data) {
@@ -36,14 +38,14 @@ class Notes {
       calls_.push_back({id, state, data});
     };
   }
-  std::vector<Called> calls() const {
+  std::vector<Call> all() const {
     const std::lock_guard<std::mutex> lock(mutex_);
     return calls_;
   }
 
  private:
   mutable std::mutex mutex_;
-  std::vector<Called> calls_;
+  std::vector<Call> calls_;
 };
 
 class ButtonEvent : public CallbackServer {
@@ -52,19 +54,19 @@ class ButtonEvent : public CallbackServer {
 };
 
 TEST_F(ButtonEvent, CallsTheCallbackWithIdStateAndUserData) {
-  Notes notes;
+  Calls calls;
   int data = 0;
-  server->set_button_cb(notes.callback(), &data);
+  server->set_button_cb(calls.callback(), &data);
 
   EXPECT_EQ(press(3).s(), 0);
   EXPECT_EQ(release(3).s(), 0);
 
-  EXPECT_THAT(notes.calls(), ElementsAre(Called{3, 1, &data}, Called{3, 0, &data}));
+  EXPECT_THAT(calls.all(), ElementsAre(Call{3, 1, &data}, Call{3, 0, &data}));
 }
 
 TEST_F(ButtonEvent, IsLogged) {
-  Notes notes;
-  server->set_button_cb(notes.callback(), nullptr);
+  Calls calls;
+  server->set_button_cb(calls.callback(), nullptr);
   const LogCapture log;
 
   press(3);
@@ -78,17 +80,17 @@ TEST_F(ButtonEvent, IsLogged) {
                                        infoLine(kOff, "button_cb for service off done")));
 }
 
-TEST_F(ButtonEvent, PassesAnyIdOn) {
-  Notes notes;
-  server->set_button_cb(notes.callback(), nullptr);
+TEST_F(ButtonEvent, PassesAnyIdToTheCallback) {
+  Calls calls;
+  server->set_button_cb(calls.callback(), nullptr);
 
   press(-1);
   press(std::numeric_limits<int>::max());
   press(std::numeric_limits<int>::min());
 
-  EXPECT_THAT(notes.calls(), ElementsAre(Called{-1, 1, nullptr},
-                                         Called{std::numeric_limits<int>::max(), 1, nullptr},
-                                         Called{std::numeric_limits<int>::min(), 1, nullptr}));
+  EXPECT_THAT(calls.all(),
+              ElementsAre(Call{-1, 1, nullptr}, Call{std::numeric_limits<int>::max(), 1, nullptr},
+                          Call{std::numeric_limits<int>::min(), 1, nullptr}));
 }
 
 TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
@@ -102,30 +104,30 @@ TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
 }
 
 TEST_F(ButtonEvent, IsAnsweredWith4AfterTheCallbackIsCleared) {
-  Notes notes;
-  server->set_button_cb(notes.callback(), nullptr);
+  Calls calls;
+  server->set_button_cb(calls.callback(), nullptr);
   server->set_button_cb(nullptr, nullptr);
 
   EXPECT_EQ(press(3).s(), 4);
   EXPECT_EQ(release(3).s(), 4);
 
-  EXPECT_TRUE(notes.calls().empty());
+  EXPECT_TRUE(calls.all().empty());
 }
 
-TEST_F(ButtonEvent, GoesToTheLatestCallbackWithItsOwnUserData) {
-  Notes former;
-  Notes latter;
+TEST_F(ButtonEvent, CallsOnlyTheLatestCallbackWithItsUserData) {
+  Calls former;
+  Calls latter;
   int data = 0;
   server->set_button_cb(former.callback(), &data);
   server->set_button_cb(latter.callback(), nullptr);
 
   press(3);
 
-  EXPECT_TRUE(former.calls().empty());
-  EXPECT_THAT(latter.calls(), ElementsAre(Called{3, 1, nullptr}));
+  EXPECT_TRUE(former.all().empty());
+  EXPECT_THAT(latter.all(), ElementsAre(Call{3, 1, nullptr}));
 }
 
-// A function object with state of its own, as a C++ caller may set one.
+// A function object with a state, as a C++ caller can set it.
 struct Counter {
   std::atomic<int>& latest;
   int count = 0;
@@ -133,7 +135,7 @@ struct Counter {
   void operator()(int /*id*/, int /*state*/, void* /*data*/) { latest = ++count; }
 };
 
-TEST_F(ButtonEvent, CallsTheOneFunctionObjectThatWasSet) {
+TEST_F(ButtonEvent, CallsTheSameFunctionObjectEachTime) {
   std::atomic<int> latest{0};
   server->set_button_cb(Counter{latest}, nullptr);
 
@@ -158,7 +160,7 @@ struct Blocking {
   }
 };
 
-TEST_F(ButtonEvent, KeepsItsFunctionObjectUntilItReturnsThoughItIsReplaced) {
+TEST_F(ButtonEvent, KeepsItsFunctionObjectUntilItReturnsEvenWhenItIsReplaced) {
   std::atomic<int> seen{0};
   const auto entered = std::make_shared<std::promise<void>>();
   const auto go = std::make_shared<std::promise<void>>();
@@ -180,7 +182,7 @@ TEST_F(ButtonEvent, KeepsItsFunctionObjectUntilItReturnsThoughItIsReplaced) {
   EXPECT_TRUE(within10s([&content] { return content.expired(); }));
 }
 
-TEST_F(ButtonEvent, SetsItsCallbackSilently) {
+TEST_F(ButtonEvent, LogsNothingWhenTheCallbackIsSet) {
   const LogCapture log;
 
   server->set_button_cb(nullptr, nullptr);
@@ -212,20 +214,20 @@ TEST_F(ButtonEvent, IsAnsweredUnknownWhenTheCallbackThrows) {
   EXPECT_EQ(press(3).s(), 0);
 }
 
-TEST_F(ButtonEvent, MayReplaceItsOwnCallback) {
-  Notes notes;
-  server->set_button_cb([&](int, int, void*) { server->set_button_cb(notes.callback(), nullptr); },
+TEST_F(ButtonEvent, CanReplaceTheCallbackThatHandlesIt) {
+  Calls calls;
+  server->set_button_cb([&](int, int, void*) { server->set_button_cb(calls.callback(), nullptr); },
                         nullptr);
 
   EXPECT_EQ(press(1).s(), 0);
   EXPECT_EQ(press(2).s(), 0);
 
-  EXPECT_THAT(notes.calls(), ElementsAre(Called{2, 1, nullptr}));
+  EXPECT_THAT(calls.all(), ElementsAre(Call{2, 1, nullptr}));
 }
 
-TEST_F(ButtonEvent, IsOnlyReportedByTheTwoServiceCalls) {
-  Notes notes;
-  server->set_button_cb(notes.callback(), nullptr);
+TEST_F(ButtonEvent, IsNotReportedByTheProgramCalls) {
+  Calls calls;
+  server->set_button_cb(calls.callback(), nullptr);
 
   for (const Rpc rpc : {&Stub::program_run, &Stub::program_stop}) {
     StatusResponse response;
@@ -234,7 +236,52 @@ TEST_F(ButtonEvent, IsOnlyReportedByTheTwoServiceCalls) {
     EXPECT_EQ(status.error_code(), grpc::StatusCode::UNIMPLEMENTED);
     EXPECT_EQ(status.error_message(), "");
   }
-  EXPECT_TRUE(notes.calls().empty());
+  EXPECT_TRUE(calls.all().empty());
 }
+
+// ---- The handlers without gRPC around them
+
+struct HandlerRow {
+  const char* name;
+  grpc::Status (FootTouch_Server::*handler)(grpc::ServerContext*, const IntMessage*,
+                                            StatusResponse*);
+};
+
+void PrintTo(const HandlerRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class ButtonHandler : public CallbackServer, public ::testing::WithParamInterface<HandlerRow> {
+ protected:
+  ButtonHandler() { response.set_s(7); }
+
+  grpc::Status call() { return (server->*GetParam().handler)(nullptr, &request, &response); }
+
+  IntMessage request;
+  StatusResponse response;
+};
+
+TEST_P(ButtonHandler, SetsTheAnswerOnceTheCallbackHasReturned) {
+  int meanwhile = 0;
+  server->set_button_cb([&](int, int, void*) { meanwhile = response.s(); }, nullptr);
+
+  EXPECT_TRUE(call().ok());
+
+  EXPECT_EQ(meanwhile, 7);
+  EXPECT_EQ(response.s(), 0);
+}
+
+TEST_P(ButtonHandler, PassesAnExceptionOnAndLeavesTheAnswerAsItWas) {
+  server->set_button_cb([](int, int, void*) { throw std::runtime_error("no"); }, nullptr);
+
+  EXPECT_THROW(call(), std::runtime_error);
+
+  EXPECT_EQ(response.s(), 7);
+}
+
+INSTANTIATE_TEST_SUITE_P(Server, ButtonHandler,
+                         ::testing::Values(HandlerRow{"On", &FootTouch_Server::service_On},
+                                           HandlerRow{"Off", &FootTouch_Server::service_Off}),
+                         rowName<HandlerRow>);
 
 }  // namespace

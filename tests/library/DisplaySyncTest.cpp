@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the callback server tells the display: its address and the layout of the buttons.
+// What the callback server sends to the display: its address and the layout of the buttons.
 #include <gmock/gmock.h>
 
 #include "support/CallbackServer.h"
 #include "support/PlatformCapture.h"
+#include "support/RowName.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using Json = SimulatorProcess::Json;
 
-const std::string kAddress = "127.0.0.9:26711";  // only told, never listened on
+const std::string kAddress = "127.0.0.9:26711";  // sent, not listened on
 
 std::vector<button> threeButtons() {
   return {{1, 0.1F, 0.2F}, {2, 0.4F, 0.5F}, {3, 0.7F, 0.9F}};
@@ -27,7 +28,7 @@ LogLine layoutError(const std::string& body) {
   return errorLine("GrpcServer.cpp: send_button_info", body);
 }
 
-// All that initialize() logs when sync_address() ends with `outcome`.
+// The log of initialize() when sync_address() ends with `outcome`.
 std::vector<LogLine> initializeLines(const LogLine& outcome, const LogLine& result) {
   return {
       infoLine("GrpcServer.cpp: initialize", "foot touch api server address set to: " + kAddress),
@@ -55,7 +56,7 @@ class DisplaySync : public CallbackServer {};
 
 // ---- Address
 
-TEST_F(DisplaySync, TellsTheAddress) {
+TEST_F(DisplaySync, SendsTheAddress) {
   const LogCapture log;
 
   EXPECT_EQ(server->initialize(kAddress), 0);
@@ -70,7 +71,7 @@ TEST_F(DisplaySync, TellsTheAddress) {
   EXPECT_LE(calls[0].at("deadline_ms"), 1100);
 }
 
-TEST_F(DisplaySync, LogsThatItTellsTheAddressBeforeItDoes) {
+TEST_F(DisplaySync, LogsThatItSendsTheAddressBeforeTheCall) {
   display.command("when setFootTouchAPIServerAddress wait 300ms");
   const LogCapture log;
 
@@ -81,7 +82,7 @@ TEST_F(DisplaySync, LogsThatItTellsTheAddressBeforeItDoes) {
   EXPECT_GE(lines[4].when - lines[3].when, milliseconds(250));
 }
 
-TEST_F(DisplaySync, TellsTheAddressAgain) {
+TEST_F(DisplaySync, SendsTheAddressAgain) {
   server->initialize("127.0.0.9:1");
   server->initialize(kAddress);
 
@@ -93,27 +94,27 @@ TEST_F(DisplaySync, TellsTheAddressAgain) {
 
 class RefusedAddress : public DisplaySync, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RefusedAddress, FailsWithTheAnswerInTheLog) {
+TEST_P(RefusedAddress, FailsAndLogsTheAnswer) {
   display.command("when setFootTouchAPIServerAddress answer " + std::to_string(GetParam()));
 
   expectInitializeFails(*server,
                         "unknown cause to failure, error code " + std::to_string(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(With, RefusedAddress, ::testing::Values(1, 2, 3, 4, -1));
+INSTANTIATE_TEST_SUITE_P(With, RefusedAddress, ::testing::Values(1, 2, 3, 4, -1), rowName<int>);
 
 class LostAddress : public DisplaySync, public ::testing::WithParamInterface<int> {};
 
-TEST_P(LostAddress, Fails) {
+TEST_P(LostAddress, FailsAndLogsWhetherItTimedOut) {
   display.command("when setFootTouchAPIServerAddress fail " + std::to_string(GetParam()));
 
   expectInitializeFails(*server,
                         GetParam() == 4 ? "time out" : "sync_address failed, status not ok.");
 }
 
-INSTANTIATE_TEST_SUITE_P(WithStatus, LostAddress, ::testing::Range(1, 17));
+INSTANTIATE_TEST_SUITE_P(WithStatus, LostAddress, ::testing::Range(1, 17), rowName<int>);
 
-TEST_F(DisplaySync, GivesUpOnTheAddressAfterASecond) {
+TEST_F(DisplaySync, WaitsOneSecondForTheAnswerToTheAddress) {
   display.command("when setFootTouchAPIServerAddress never");
   const auto start = steady_clock::now();
 
@@ -122,13 +123,13 @@ TEST_F(DisplaySync, GivesUpOnTheAddressAfterASecond) {
   EXPECT_GE(steady_clock::now() - start, milliseconds(950));
 }
 
-TEST_F(DisplaySync, FailsWithTheAddressWhenNobodyListens) {
+TEST_F(DisplaySync, FailsToSendTheAddressWhenNobodyListens) {
   display.end();
 
   expectInitializeFails(*server, "sync_address failed, status not ok.");
 }
 
-TEST_F(DisplaySync, TellsNothingBeforeItIsInitialized) {
+TEST_F(DisplaySync, SendsNothingBeforeItIsInitialized) {
   std::vector<button> layout = threeButtons();
   const LogCapture log;
 
@@ -144,7 +145,7 @@ TEST_F(DisplaySync, TellsNothingBeforeItIsInitialized) {
 
 // ---- Layout
 
-TEST_F(DisplaySync, SendsTheLayoutInItsOrder) {
+TEST_F(DisplaySync, SendsTheButtonsInOrder) {
   server->initialize(kAddress);
   std::vector<button> layout = threeButtons();
   const LogCapture log;
@@ -159,7 +160,7 @@ TEST_F(DisplaySync, SendsTheLayoutInItsOrder) {
   EXPECT_LE(call.at("deadline_ms"), 2100);
 }
 
-TEST_F(DisplaySync, SendsAnEmptyLayoutToo) {
+TEST_F(DisplaySync, SendsAnEmptyLayout) {
   server->initialize(kAddress);
   std::vector<button> none;
 
@@ -170,7 +171,7 @@ TEST_F(DisplaySync, SendsAnEmptyLayoutToo) {
 
 class RefusedLayout : public DisplaySync, public ::testing::WithParamInterface<int> {};
 
-TEST_P(RefusedLayout, GivesSixWithTheAnswerInTheLog) {
+TEST_P(RefusedLayout, ReturnsSixAndLogsTheAnswer) {
   server->initialize(kAddress);
   display.command("when setButtons answer " + std::to_string(GetParam()));
   std::vector<button> layout = threeButtons();
@@ -182,11 +183,11 @@ TEST_P(RefusedLayout, GivesSixWithTheAnswerInTheLog) {
                                                    std::to_string(GetParam()))));
 }
 
-INSTANTIATE_TEST_SUITE_P(With, RefusedLayout, ::testing::Values(1, 2, 3, 4, 5, -1));
+INSTANTIATE_TEST_SUITE_P(With, RefusedLayout, ::testing::Values(1, 2, 3, 4, 5, -1), rowName<int>);
 
 class LostLayout : public DisplaySync, public ::testing::WithParamInterface<int> {};
 
-TEST_P(LostLayout, GivesFour) {
+TEST_P(LostLayout, ReturnsFour) {
   server->initialize(kAddress);
   display.command("when setButtons fail " + std::to_string(GetParam()));
   std::vector<button> layout = threeButtons();
@@ -197,9 +198,9 @@ TEST_P(LostLayout, GivesFour) {
   EXPECT_THAT(log.lines(), ElementsAre(layoutError("send_button_info failed, status not ok.")));
 }
 
-INSTANTIATE_TEST_SUITE_P(WithStatus, LostLayout, ::testing::Range(1, 17));
+INSTANTIATE_TEST_SUITE_P(WithStatus, LostLayout, ::testing::Range(1, 17), rowName<int>);
 
-TEST_F(DisplaySync, GivesUpOnTheLayoutAfterTwoSeconds) {
+TEST_F(DisplaySync, WaitsTwoSecondsForTheAnswerToTheLayout) {
   server->initialize(kAddress);
   display.command("when setButtons never");
   std::vector<button> layout = threeButtons();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The foot-touch client's singleton, and the question about the lens. How the robot's answers are
-// reported is covered by RobotCommandsTest.
+// The foot-touch client's singleton, and the query about the lens. The robot's answers are covered by
+// RobotCommandsTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 #include "FootTouchGrpcClient.h"
 #include "murlink_robot.h"
 #include "support/PlatformCapture.h"
+#include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"
 
@@ -23,7 +24,7 @@ constexpr const char* kSet = "FootTouchGrpcClient.cpp: setInstance";
 constexpr const char* kCreate = "FootTouchGrpcClient.cpp: FootTouchGrpcClient";
 constexpr const char* kRelease = "FootTouchGrpcClient.cpp: ~FootTouchGrpcClient";
 
-// Starts each test without a client and puts the former one back.
+// Starts each test without a client and restores the previous one.
 class FootTouchClient : public ::testing::Test {
  protected:
   FootTouchClient() { FootTouchGrpcClient::_instance = nullptr; }
@@ -59,7 +60,7 @@ TEST_F(FootTouchClient, LogsTheClientThatIsReplaced) {
                                        infoLine(kGet, "get instance " + shown(&second))));
 }
 
-TEST_F(FootTouchClient, IsCreatedAnewAfterBeingSetToNull) {
+TEST_F(FootTouchClient, IsCreatedAgainAfterItIsSetToNull) {
   const std::unique_ptr<FootTouchGrpcClient> former(FootTouchGrpcClient::getInstance());
   FootTouchGrpcClient::setInstance(nullptr);
   const LogCapture log;
@@ -71,7 +72,7 @@ TEST_F(FootTouchClient, IsCreatedAnewAfterBeingSetToNull) {
                                        infoLine(kGet, "get instance " + shown(created.get()))));
 }
 
-TEST_F(FootTouchClient, LeavesItsPointerBehindWhenDestroyed) {
+TEST_F(FootTouchClient, LeavesThePointerUnchangedWhenDestroyed) {
   auto client = std::make_unique<FootTouchGrpcClient>();
   FootTouchGrpcClient* const pointer = client.get();
   FootTouchGrpcClient::setInstance(pointer);
@@ -83,14 +84,14 @@ TEST_F(FootTouchClient, LeavesItsPointerBehindWhenDestroyed) {
   EXPECT_THAT(log.lines(), ElementsAre(infoLine(kRelease, "release ~FootTouchGrpcClient")));
 }
 
-TEST_F(FootTouchClient, LeavesTheChannelBehindWhenDestroyed) {
+TEST_F(FootTouchClient, LeavesTheChannelOpenWhenDestroyed) {
   SimulatorProcess robot;
   std::make_unique<FootTouchGrpcClient>().reset();
 
   EXPECT_EQ(FootTouchGrpcClient().serviceOn(), FOOT_TOUCH_ERROR_NONE);
 }
 
-TEST_F(FootTouchClient, MayBeOfADerivedClass) {
+TEST_F(FootTouchClient, CanBeOfADerivedClass) {
   class Substitute : public FootTouchGrpcClient {
    public:
     int programRun() override { return 77; }
@@ -103,14 +104,14 @@ TEST_F(FootTouchClient, MayBeOfADerivedClass) {
   EXPECT_EQ(client->programRun(), 77);
 }
 
-TEST_F(FootTouchClient, TakesItsOperationsInTheFixedOrder) {
+TEST_F(FootTouchClient, HasItsOperationsInTheFixedOrder) {
   EXPECT_EQ(virtualSlot(&IFootTouchGrpcClient::serviceOn), kFirstSlotAfterDestructor);
   EXPECT_EQ(virtualSlot(&IFootTouchGrpcClient::programRun), kFirstSlotAfterDestructor + 1);
   EXPECT_EQ(virtualSlot(&IFootTouchGrpcClient::programStop), kFirstSlotAfterDestructor + 2);
   EXPECT_EQ(virtualSlot(&IFootTouchGrpcClient::serviceOff), kFirstSlotAfterDestructor + 3);
 }
 
-TEST_F(FootTouchClient, ReportsARobotThatIsAlreadyThere) {
+TEST_F(FootTouchClient, ReportsARobotThatIsAlreadyInTheRequestedState) {
   SimulatorProcess robot;
   FootTouchGrpcClient client;
 
@@ -138,7 +139,7 @@ TEST(Lens, IsNotSupportedWhenTheDeviceDoesNotKnowTheKey) {
   EXPECT_FALSE(is_kumbo_lens_supported());
 }
 
-TEST(Lens, IsAskedForEachTimeAndWithoutALogLine) {
+TEST(Lens, IsQueriedEachTimeAndNotLogged) {
   const Device device(true, true);
   const LogCapture log;
 
@@ -151,11 +152,20 @@ TEST(Lens, IsAskedForEachTimeAndWithoutALogLine) {
   EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-class WithoutLens : public ::testing::TestWithParam<const char*> {};
+struct RobotRow {
+  const char* name;
+  const char* behaviour;
+};
 
-TEST_P(WithoutLens, ServiceOnIsSentAllTheSameAndEndsWithoutAWordOnItsOutcome) {
+void PrintTo(const RobotRow& row, std::ostream* out) {
+  *out << row.name;
+}
+
+class WithoutLens : public ::testing::TestWithParam<RobotRow> {};
+
+TEST_P(WithoutLens, ServiceOnIsSentAndItsOutcomeIsNotLogged) {
   SimulatorProcess robot;
-  robot.command(std::string("when service_On foot-touch ") + GetParam());
+  robot.command(std::string("when service_On foot-touch ") + GetParam().behaviour);
   FootTouchGrpcClient client;
   const Device device(false, true);
   const LogCapture log;
@@ -170,9 +180,13 @@ TEST_P(WithoutLens, ServiceOnIsSentAllTheSameAndEndsWithoutAWordOnItsOutcome) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Robot, WithoutLens,
-                         ::testing::Values("answer 0", "answer 3", "fail UNAVAILABLE", "never"));
+                         ::testing::Values(RobotRow{"Succeeds", "answer 0"},
+                                           RobotRow{"Refuses", "answer 3"},
+                                           RobotRow{"Fails", "fail UNAVAILABLE"},
+                                           RobotRow{"IsSilent", "never"}),
+                         rowName<RobotRow>);
 
-TEST(Lens, IsAskedForAfterTheCall) {
+TEST(Lens, IsQueriedAfterTheCall) {
   SimulatorProcess robot;
   robot.command("when service_On foot-touch wait 300ms answer 0");
   FootTouchGrpcClient client;
@@ -185,7 +199,7 @@ TEST(Lens, IsAskedForAfterTheCall) {
   EXPECT_GE(device.questions()[0].when - start, std::chrono::milliseconds(300));
 }
 
-TEST(Lens, IsNotAskedForByTheOtherCommands) {
+TEST(Lens, IsNotQueriedByTheOtherCommands) {
   SimulatorProcess robot;
   FootTouchGrpcClient client;
   const Device device(false, false);

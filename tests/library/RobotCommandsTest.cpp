@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every command of both features against every way in which the robot side can answer: the request
-// that goes out, the result, and each log line. What the operations mean is murlink_robot.h's.
+// Every command of both features with every answer of the robot side: the request that is sent, the
+// result, and each log line.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -28,14 +28,15 @@ struct Ending {
   int result;
 };
 
-// What a command sends and says, and how it reports each outcome.
+// What a command sends and logs, and how it reports each outcome.
 struct Operation {
   const char* name;
   std::function<int()> run;
   const char* origin;
+  std::function<LogLine()> instance_line;  // comes first
   const char* rpc;
   int selector;
-  std::vector<const char*> lines_before;  // at INFO, and before the outcome
+  std::vector<const char*> lines_before;  // between that one and the outcome, at INFO
   Ending done;
   Ending already;
   Ending gone;
@@ -48,10 +49,10 @@ void PrintTo(const Operation& operation, std::ostream* out) {
   *out << operation.name;
 }
 
-// What the robot side is told to do, and which of the operation's endings that leads to.
+// What the robot side does, and which of the operation's endings that leads to.
 struct Outcome {
   std::string name;
-  std::string told;
+  std::string behaviour;
   Ending Operation::*ending;
   int answer;
 };
@@ -60,12 +61,23 @@ void PrintTo(const Outcome& outcome, std::ostream* out) {
   *out << outcome.name;
 }
 
+LogLine gestureInstanceLine() {
+  return errorLine("GestureRecognition.cpp: GetInstance",
+                   "GetInstance " + shown(GestureRecognition::instance));
+}
+
+LogLine footTouchInstanceLine() {
+  return infoLine("FootTouchGrpcClient.cpp: getInstance",
+                  "get instance " + shown(FootTouchGrpcClient::_instance));
+}
+
 Operation gesture(const char* name, int (*run)(), const char* origin, const char* rpc,
                   std::vector<const char*> lines_before, const char* done, Ending already,
                   const char* not_ok) {
   return {name,
           run,
           origin,
+          gestureInstanceLine,
           rpc,
           1,
           std::move(lines_before),
@@ -83,6 +95,7 @@ Operation footTouch(const char* name, int (IFootTouchGrpcClient::*run)(), const 
   return {name,
           [run] { return (FootTouchGrpcClient::getInstance()->*run)(); },
           origin,
+          footTouchInstanceLine,
           rpc,
           2,
           std::move(lines_before),
@@ -156,7 +169,7 @@ std::vector<Outcome> statuses() {
 }
 
 std::vector<LogLine> expectedLines(const Operation& operation, const Ending& ending, int answer) {
-  std::vector<LogLine> lines;
+  std::vector<LogLine> lines{operation.instance_line()};
   for (const char* body : operation.lines_before) {
     lines.push_back(infoLine(operation.origin, body));
   }
@@ -171,25 +184,24 @@ std::vector<LogLine> expectedLines(const Operation& operation, const Ending& end
 
 // Runs an operation and checks its result and every line that it logs.
 void expectEnding(const Operation& operation, Ending Operation::*which, int answer = 0) {
-  GestureRecognition::GetInstance();  // both are created now, not between the lines
+  GestureRecognition::GetInstance();  // creating them is logged, too
   FootTouchGrpcClient::getInstance();
   const LogCapture log;
   const int result = operation.run();
 
-  std::vector<LogLine> lines = log.lines();
-  ASSERT_FALSE(lines.empty());
-  lines.erase(lines.begin());  // "GetInstance" or "get instance"
   const Ending& ending = operation.*which;
   EXPECT_EQ(result, ending.result);
-  EXPECT_THAT(lines, ElementsAreArray(expectedLines(operation, ending, answer)));
+  EXPECT_THAT(log.lines(), ElementsAreArray(expectedLines(operation, ending, answer)));
 }
 
-class Answered : public ::testing::TestWithParam<std::tuple<Operation, Outcome>> {};
+using Answer = std::tuple<Operation, Outcome>;
 
-TEST_P(Answered, BecomesOneResultAndItsLogLines) {
+class Answered : public ::testing::TestWithParam<Answer> {};
+
+TEST_P(Answered, HasItsResultAndItsLogLines) {
   const auto& [operation, outcome] = GetParam();
   SimulatorProcess robot;
-  robot.command("when any any " + outcome.told);
+  robot.command("when any any " + outcome.behaviour);
 
   expectEnding(operation, outcome.ending, outcome.answer);
 
@@ -200,18 +212,14 @@ TEST_P(Answered, BecomesOneResultAndItsLogLines) {
   EXPECT_LE(calls[0].at("deadline_ms"), 2100);
 }
 
-std::string bothNames(const ::testing::TestParamInfo<std::tuple<Operation, Outcome>>& row) {
-  return std::get<0>(row.param).name + std::get<1>(row.param).name;
-}
-
 INSTANTIATE_TEST_SUITE_P(WithS, Answered,
                          ::testing::Combine(::testing::ValuesIn(operations()),
                                             ::testing::ValuesIn(answers())),
-                         bothNames);
+                         rowName<Answer>);
 INSTANTIATE_TEST_SUITE_P(WithStatus, Answered,
                          ::testing::Combine(::testing::ValuesIn(operations()),
                                             ::testing::ValuesIn(statuses())),
-                         bothNames);
+                         rowName<Answer>);
 
 class EveryOperation : public ::testing::TestWithParam<Operation> {};
 
@@ -226,7 +234,7 @@ TEST_P(EveryOperation, TimesOutAfterTwoSecondsOfSilence) {
   EXPECT_EQ(robot.calls().size(), 1U);
 }
 
-TEST_P(EveryOperation, TakesAnAnswerThatComesInTime) {
+TEST_P(EveryOperation, AcceptsAnAnswerWithinTwoSeconds) {
   SimulatorProcess robot;
   robot.command("when any any wait 500ms answer 0");
 
@@ -236,14 +244,14 @@ TEST_P(EveryOperation, TakesAnAnswerThatComesInTime) {
   EXPECT_GE(steady_clock::now() - start, milliseconds(500));
 }
 
-TEST_P(EveryOperation, HasItsTwoSecondsBeforeItLogsThatItBegins) {
+TEST_P(EveryOperation, SetsItsDeadlineBeforeItLogsThatItBegins) {
   SimulatorProcess robot;
   robot.command("when any any answer 0");
   const SlowLog slow("begin", milliseconds(300));
 
   GetParam().run();
 
-  // The line "begin" comes between the deadline and the call, where there is such a line.
+  // Where there is a line "begin", it comes between the deadline and the call.
   const bool has_begin = !GetParam().lines_before.empty() && GetParam().selector == 2;
   EXPECT_LE(robot.calls().at(0).at("deadline_ms"), has_begin ? 1750 : 2100);
 }
@@ -252,7 +260,7 @@ TEST_P(EveryOperation, FailsWhenNobodyListens) {
   expectEnding(GetParam(), &Operation::not_ok);
 }
 
-TEST_P(EveryOperation, WorksAgainAfterAFailure) {
+TEST_P(EveryOperation, SucceedsAfterAFailure) {
   SimulatorProcess robot;
   robot.command("when any any fail UNAVAILABLE once");
   GetParam().run();
@@ -261,8 +269,8 @@ TEST_P(EveryOperation, WorksAgainAfterAFailure) {
   expectEnding(GetParam(), &Operation::done);
 }
 
-// The third line, "done", must not be logged before the call has taken its time.
-void expectDoneOnlyAfterTheCall(int (FootTouchGrpcClient::*command)()) {
+// The robot answers after 300 ms, and the third line is "done".
+void expectDoneLineAfterTheCall(int (FootTouchGrpcClient::*command)()) {
   SimulatorProcess robot;
   robot.command("when any foot-touch wait 300ms");
   FootTouchGrpcClient client;
@@ -275,15 +283,15 @@ void expectDoneOnlyAfterTheCall(int (FootTouchGrpcClient::*command)()) {
   EXPECT_GE(lines[2].when - lines[1].when, milliseconds(300));
 }
 
-TEST(ProgramRun, SaysThatItIsDoneOnlyAfterTheCall) {
-  expectDoneOnlyAfterTheCall(&FootTouchGrpcClient::programRun);
+TEST(ProgramRun, LogsThatItIsDoneAfterTheCall) {
+  expectDoneLineAfterTheCall(&FootTouchGrpcClient::programRun);
 }
 
-TEST(ProgramStop, SaysThatItIsDoneOnlyAfterTheCall) {
-  expectDoneOnlyAfterTheCall(&FootTouchGrpcClient::programStop);
+TEST(ProgramStop, LogsThatItIsDoneAfterTheCall) {
+  expectDoneLineAfterTheCall(&FootTouchGrpcClient::programStop);
 }
 
-TEST(Commands, ShareTheChannelFromEightThreadsAtOnce) {
+TEST(Commands, SucceedFromEightThreadsAtOnce) {
   SimulatorProcess robot;
   robot.command("when any any answer 0");
   GestureRecognition controller;

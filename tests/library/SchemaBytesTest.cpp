@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What each message is on the wire, byte by byte.
+// The bytes of each message on the wire.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ void setPoint(Point& point, float x, float y) {
   point.set_y(y);
 }
 
-TEST(Bytes, OfTheMessagesInUse) {
+TEST(MessageBytes, OfTheMessagesThatTheLibraryUsesAreFixed) {
   EXPECT_EQ(bytesOf<IntMessage>([](auto& m) { m.set_x(2); }), "\x08\x02"_bytes);
   EXPECT_EQ(bytesOf<IntMessage>([](auto& m) { m.set_x(-1); }),
             "\x08\xff\xff\xff\xff\xff\xff\xff\xff\xff\x01"_bytes);
@@ -48,7 +48,7 @@ TEST(Bytes, OfTheMessagesInUse) {
             "\x0a\x02\x08\x01\x0a\x05\x15\x00\x00\x00\x3f"_bytes);
 }
 
-TEST(Bytes, OfTheMessagesThatOthersUse) {
+TEST(MessageBytes, OfTheOtherMessagesAreFixed) {
   EXPECT_EQ(bytesOf<ActionRequest>([](auto& m) { m.set_a(true); }), "\x08\x01"_bytes);
   EXPECT_EQ(bytesOf<Point>([](auto& m) { setPoint(m, 1, 2); }),
             "\x0d\x00\x00\x80\x3f\x15\x00\x00\x00\x40"_bytes);
@@ -75,7 +75,7 @@ TEST(Bytes, OfTheMessagesThatOthersUse) {
             "\x2d\x00\x00\x00\x40\x32\x00\x3a\x00"_bytes);
 }
 
-TEST(Bytes, AreNoneForDefaults) {
+TEST(MessageBytes, DoNotIncludeDefaults) {
   EXPECT_EQ(bytesOf<StatusResponse>([](auto& m) { m.set_s(0); }), "");
   EXPECT_EQ(bytesOf<IntMessage>([](auto& m) { m.set_x(0); }), "");
   EXPECT_EQ(bytesOf<StringMessage>([](auto& m) { m.set_s(""); }), "");
@@ -83,7 +83,7 @@ TEST(Bytes, AreNoneForDefaults) {
   EXPECT_EQ(bytesOf<Buttons>([](auto&) {}), "");
 }
 
-TEST(Bytes, OfAnEmptyBodyReadAsSuccess) {
+TEST(MessageBytes, ReadAsSuccessWhenThereAreNone) {
   StatusResponse response;
   response.set_s(7);
 
@@ -91,7 +91,7 @@ TEST(Bytes, OfAnEmptyBodyReadAsSuccess) {
   EXPECT_EQ(response.s(), 0);
 }
 
-TEST(Bytes, OfABadStringAreSentWithAWarning) {
+TEST(MessageBytes, OfInvalidUtf8AreWrittenWithAWarning) {
   StringMessage message;
   message.set_s("\xff");
 

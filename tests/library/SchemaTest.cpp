@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// The schemas are shared with the services at the other end: every name, number, type and path. The
+// The schemas are shared with other programs: every name, number, type and method path is fixed. The
 // bytes of the messages are covered by SchemaBytesTest.
 #include <gmock/gmock.h>
 #include <google/protobuf/descriptor.h>
 #include <grpcpp/create_channel.h>
+#include <grpcpp/generic/async_generic_service.h>
 #include <grpcpp/generic/generic_stub.h>
+#include <grpcpp/server_builder.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -20,6 +22,7 @@ using google::protobuf::DescriptorPool;
 using google::protobuf::FieldDescriptor;
 using google::protobuf::FileDescriptor;
 using zet::protobuf::app::Quarlo_RB_GRPC;
+using zet::protobuf::app::Quarlo_TV_GRPC;
 
 // ---- Descriptors
 
@@ -69,7 +72,7 @@ std::vector<std::string> textOf(const FileDescriptor& file) {
   return lines;
 }
 
-// As it was registered when the program was loaded; nothing has been called to that end.
+// As it was registered at load: no function has to be called first.
 const FileDescriptor& registered(const char* name) {
   const FileDescriptor* const file = DescriptorPool::generated_pool()->FindFileByName(name);
   if (file == nullptr) {
@@ -120,7 +123,7 @@ TEST(DisplaySchema, HasTheseMessagesAndThisServiceInOrder) {
 
 // ---- Services
 
-TEST(RobotService, LeavesWhatIsNotOverriddenUnimplemented) {
+TEST(RobotService, AnswersUnimplementedForWhatIsNotOverridden) {
   Quarlo_RB_GRPC::Service service;
   StatusResponse response;
   response.set_s(42);
@@ -169,22 +172,63 @@ std::string rawCall(const std::string& path, const std::string& bytes) {
   return answer;
 }
 
-TEST(RobotMethods, AreReachedByTheirPaths) {
-  SimulatorProcess robot;
-  robot.command("when any any answer 1");
-  for (const std::string rpc : {"service_On", "service_Off", "program_run", "program_stop"}) {
-    EXPECT_EQ(rawCall("/zet.protobuf.app.Quarlo_RB_GRPC/" + rpc, "\x08\x02"), "\x08\x01");
-
-    EXPECT_EQ(robot.calls().back().at("rpc"), rpc);
-    EXPECT_EQ(robot.calls().back().at("x"), 2);
-  }
-}
-
-TEST(RobotMethods, AnswerSuccessWithAnEmptyBody) {
+TEST(RobotService, AnswersSuccessWithAnEmptyBody) {
   SimulatorProcess robot;
   robot.command("when any any answer 0");
 
   EXPECT_EQ(rawCall("/zet.protobuf.app.Quarlo_RB_GRPC/service_On", ""), "");
+}
+
+// ---- Method paths
+
+// Implements no method, and keeps the path of each call.
+class PathRecorder : public grpc::CallbackGenericService {
+ public:
+  grpc::ServerGenericBidiReactor* CreateReactor(
+      grpc::GenericCallbackServerContext* context) override {
+    path_ = context->method();
+    return CallbackGenericService::CreateReactor(context);
+  }
+
+  // The path of a call of `rpc`.
+  template <typename Stub, typename Request>
+  std::string pathOf(grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&,
+                                               StatusResponse*)) {
+    grpc::ClientContext context;
+    StatusResponse response;
+    Stub stub(server_->InProcessChannel({}));
+    EXPECT_EQ((stub.*rpc)(&context, Request(), &response).error_code(),
+              grpc::StatusCode::UNIMPLEMENTED);
+    return path_;
+  }
+
+ private:
+  std::string path_;
+  std::unique_ptr<grpc::Server> server_ =
+      grpc::ServerBuilder().RegisterCallbackGenericService(this).BuildAndStart();
+};
+
+TEST(MethodPaths, OfTheRobotServiceAreFixed) {
+  using Stub = Quarlo_RB_GRPC::Stub;
+  PathRecorder recorder;
+
+  EXPECT_EQ(recorder.pathOf(&Stub::service_On), "/zet.protobuf.app.Quarlo_RB_GRPC/service_On");
+  EXPECT_EQ(recorder.pathOf(&Stub::service_Off), "/zet.protobuf.app.Quarlo_RB_GRPC/service_Off");
+  EXPECT_EQ(recorder.pathOf(&Stub::program_run), "/zet.protobuf.app.Quarlo_RB_GRPC/program_run");
+  EXPECT_EQ(recorder.pathOf(&Stub::program_stop), "/zet.protobuf.app.Quarlo_RB_GRPC/program_stop");
+}
+
+TEST(MethodPaths, OfTheDisplayServiceAreFixed) {
+  using Stub = Quarlo_TV_GRPC::Stub;
+  PathRecorder recorder;
+
+  EXPECT_EQ(recorder.pathOf(&Stub::sendFrameData),
+            "/zet.protobuf.app.Quarlo_TV_GRPC/sendFrameData");
+  EXPECT_EQ(recorder.pathOf(&Stub::sendFootTouchPoint),
+            "/zet.protobuf.app.Quarlo_TV_GRPC/sendFootTouchPoint");
+  EXPECT_EQ(recorder.pathOf(&Stub::setFootTouchAPIServerAddress),
+            "/zet.protobuf.app.Quarlo_TV_GRPC/setFootTouchAPIServerAddress");
+  EXPECT_EQ(recorder.pathOf(&Stub::setButtons), "/zet.protobuf.app.Quarlo_TV_GRPC/setButtons");
 }
 
 }  // namespace
