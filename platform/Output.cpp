@@ -8,7 +8,7 @@
 int writeLine(int file, std::string_view line) {
   std::string_view rest = line;
   while (!rest.empty()) {
-    // A signal can cut a long write short, so there may be something left to write.
+    // A signal can interrupt a long write after a part of it.
     const ssize_t written = write(file, rest.data(), rest.size());
     if (written >= 0) {
       rest.remove_prefix(static_cast<std::size_t>(written));

@@ -10,8 +10,8 @@
 
 namespace {
 
-void warnAboutWrongValue(const std::string& variable, const std::string& value,
-                         const std::vector<Choice>& choices) {
+void warnAboutInvalidValue(const std::string& variable, const std::string& value,
+                           const std::vector<Choice>& choices) {
   std::string valid;
   for (const Choice& choice : choices) {
     valid += (valid.empty() ? "" : ", ") + std::string(choice.value);
@@ -36,7 +36,7 @@ int chosen(const char* variable, const std::vector<Choice>& choices) {
     return std::string_view(choice.value) == value;
   });
   if (match == choices.end()) {
-    warnAboutWrongValue(variable, value, choices);
+    warnAboutInvalidValue(variable, value, choices);
     return choices.front().meaning;
   }
   return match->meaning;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// How a user steers the stand-in: by environment variables. One that is empty counts as unset.
+// The stand-in's settings, which are environment variables. An empty one counts as unset.
 #ifndef MURLINK_PLATFORM_SETTING_H
 #define MURLINK_PLATFORM_SETTING_H
 
@@ -13,8 +13,8 @@ struct Choice {
   int meaning;
 };
 
-// The meaning of the variable's value. `choices` lists the valid values, the default first; a wrong
-// value means the default and is warned about, so ask once and keep the answer.
+// The meaning of the variable's value. `choices` lists the valid values, the default first. Each call
+// warns about an invalid value and returns the default, so call it once and keep the result.
 int chosen(const char* variable, const std::vector<Choice>& choices);
 
 #endif

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Steered by MURLINK_LOG, MURLINK_LOG_FILE and NO_COLOR.
-//
-// What they say is kept in plain values that no destructor takes away: lines may still come while
-// the program ends.
+// The log. Its settings are MURLINK_LOG, MURLINK_LOG_FILE and NO_COLOR, kept in variables without a
+// destructor: the library's threads may log while the program exits.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -21,7 +19,7 @@
 
 namespace {
 
-// A caller that logs before it looks at errno must find its own.
+// A caller may log before it reads errno, so logging must not change it.
 class KeptErrno {
  public:
   KeptErrno() = default;
@@ -96,13 +94,13 @@ std::string localTime() {
   return std::string(seconds) + milliseconds;
 }
 
-struct Look {
+struct LevelLook {
   const char* name;
   const char* colour;
 };
 
 // Priorities below DLOG_INFO are never shown.
-Look look(int priority) {
+LevelLook lookOf(int priority) {
   switch (priority) {
     case DLOG_INFO:
       return {"INFO ", "\x1b[32m"};
@@ -116,7 +114,7 @@ Look look(int priority) {
 }
 
 std::string levelName(int priority, bool coloured) {
-  const auto [name, colour] = look(priority);
+  const auto [name, colour] = lookOf(priority);
   return coloured ? std::string(colour) + name + "\x1b[0m" : name;
 }
 

@@ -2,8 +2,8 @@
 /**
  * The two functions of the device's platform that the library calls.
  *
- * They are declared here and defined elsewhere: on a device by the platform itself, on a PC by
- * libmurlink-platform.so, in a test by the test program. Valid as C99 and as C++.
+ * On a device the platform defines them, on a PC libmurlink-platform.so, in a test the test program.
+ * Valid as C99 and as C++.
  */
 #ifndef MURLINK_PLATFORM_H
 #define MURLINK_PLATFORM_H
@@ -16,15 +16,15 @@
 extern "C" {
 #endif
 
-/** The two priorities that the library logs with; the platform knows more. */
+/** The priorities that the library logs with; the platform has others. */
 enum { DLOG_INFO = 4, DLOG_ERROR = 6 };
 
 /**
  * Writes one line to the platform's log.
  *
- * @param priority  DLOG_INFO, DLOG_ERROR or another of the platform's priorities; higher is graver.
- * @param tag       who logs.
- * @param format    as for printf, with the arguments that it asks for.
+ * @param priority  DLOG_INFO, DLOG_ERROR or another of the platform's; higher is more severe.
+ * @param tag       the program or library that logs.
+ * @param format    as for printf, followed by its arguments.
  * @return the number of bytes written, 0 when the line was filtered out, negative on failure.
  * @threads any.
  */
@@ -34,10 +34,10 @@ __attribute__((format(printf, 3, 4)))
 int dlog_print(int priority, const char* tag, const char* format, ...);
 
 /**
- * Asks the platform for a feature of the device.
+ * Queries a feature of the device.
  *
  * @param key    name of the feature.
- * @param value  receives the answer; untouched on failure.
+ * @param value  receives the answer; unchanged on failure.
  * @return 0 when the device knows the key, otherwise a negative error number.
  * @threads any.
  */

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Steered by MURLINK_SWITCHABLE_LENS.
+// The device's features. Its setting is MURLINK_SWITCHABLE_LENS.
 #include <cerrno>
 #include <string_view>
 
@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kLensKey = "com.vantrel/featureconf/product.switchable_lens_support";
 
-// Whether the device has the lens; a negative error number when it does not know the key.
+// 1 when the device has the lens, 0 when not, a negative error number when it does not know the key.
 int lensAnswer() {
   static const int answer =
       chosen("MURLINK_SWITCHABLE_LENS", {{"true", 1}, {"false", 0}, {"absent", -ENOENT}});

@@ -1,62 +1,171 @@
 // SPDX-License-Identifier: Apache-2.0
-// How environment variables steer the stand-in for the platform: which log lines are shown, where
-// they go, and what it knows about the lens. What a line looks like is covered by
-// PlatformLogTest.cpp, how the library uses the platform by the library's tests.
+// The platform's stand-in: what its log lines look like, and what its environment variables change.
+// It reads them once, so each test starts a C program, platform_probe.c.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
-#include <filesystem>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <map>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "PlatformProbe.h"
+#include "support/ChildProcess.h"
 #include "support/OwnFolder.h"
+#include "support/RowName.h"
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
-using ::testing::HasSubstr;
-using ::testing::Not;
-using ::testing::TestParamInfo;
-using ::testing::TestWithParam;
+using ::testing::MatchesRegex;
 using ::testing::Values;
+
+using Steps = std::vector<std::string>;
+using Environment = std::map<std::string, std::string>;
 
 constexpr char kLensKey[] = "com.vantrel/featureconf/product.switchable_lens_support";
 
-bool isWarning(const std::string& line) {
-  return line.rfind("murlink: warning: ", 0) == 0;
+// Runs the probe with no variables set but those in `environment`.
+Finished probe(Steps steps, const Environment& environment = {}) {
+  for (const char* variable :
+       {"MURLINK_LOG", "MURLINK_LOG_FILE", "MURLINK_SWITCHABLE_LENS", "NO_COLOR"}) {
+    unsetenv(variable);
+  }
+  steps.insert(steps.begin(), PLATFORM_PROBE);
+  Finished finished = runToEnd(steps, environment, std::chrono::seconds(20));
+  EXPECT_EQ(finished.exit_code, 0) << finished.err;
+  return finished;
 }
 
-struct Filter {
+std::vector<std::string> lines(const std::string& text) {
+  std::vector<std::string> all;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) {
+    all.push_back(line);
+  }
+  return all;
+}
+
+std::string withoutTime(const std::string& line) {
+  return line.substr(std::string("2026-11-21 07:35:10.123 ").size());
+}
+
+// ---- A log line
+
+TEST(LogLine, HasTimeLevelTagAndText) {
+  const Finished finished = probe({"log", "4", "tag", "text"});
+
+  EXPECT_THAT(finished.err, MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} "
+                                         "[0-9]{2}:[0-9]{2}:[0-9]{2}[.][0-9]{3} "
+                                         "INFO  tag: text\n"));
+}
+
+TEST(LogLine, HasTheLocalTime) {
+  const Finished east = probe({"log", "4", "tag", "text"}, {{"TZ", "EAST-12"}});
+  const Finished west = probe({"log", "4", "tag", "text"}, {{"TZ", "WEST+13"}});
+
+  const std::size_t date = std::string("2026-11-21").size();
+  EXPECT_NE(east.err.substr(0, date), west.err.substr(0, date));
+}
+
+TEST(LogLine, HasOneNewline) {
+  const Finished finished = probe({"log", "4", "tag", "text\n"});
+
+  EXPECT_EQ(withoutTime(finished.err), "INFO  tag: text\n");
+}
+
+TEST(LogLine, IsNotTruncated) {
+  const std::string text(100000, 'x');
+
+  const Finished finished = probe({"log", "4", "tag", text});
+
+  EXPECT_EQ(withoutTime(finished.err), "INFO  tag: " + text + "\n");
+}
+
+TEST(LogLine, DoesNotMixWithLinesOfOtherThreads) {
+  const Finished finished = probe({"log-from-threads"});
+
+  std::vector<std::string> logged = lines(finished.err);
+  std::transform(logged.begin(), logged.end(), logged.begin(), withoutTime);
+  std::sort(logged.begin(), logged.end());
+  std::vector<std::string> expected;
+  for (const std::string name : {"a", "b", "c", "d"}) {
+    for (int i = 0; i < 500; ++i) {
+      expected.push_back("INFO  tag: " + name + std::to_string(i));
+    }
+  }
+  std::sort(expected.begin(), expected.end());
+  EXPECT_EQ(logged, expected);
+}
+
+TEST(LogLine, IsWrittenEvenWhileTheProgramExits) {
+  const Finished finished = probe({"log-at-exit", "log", "4", "tag", "first"});
+
+  EXPECT_THAT(lines(finished.err),
+              ElementsAre(EndsWith("INFO  tag: first"), EndsWith("INFO  tag: last")));
+}
+
+TEST(LogLine, ReturnsItsLengthAndLeavesErrnoUnchanged) {
+  const Finished finished = probe({"log", "4", "tag", "text"});
+
+  EXPECT_EQ(finished.out, std::to_string(finished.err.size()) + "\n");
+}
+
+TEST(LogLine, ReturnsTheErrorThatPreventsItsWriting) {
+  const Finished finished = probe({"log", "4", "tag", "text"}, {{"MURLINK_LOG_FILE", "/dev/full"}});
+
+  EXPECT_EQ(finished.out, std::to_string(-ENOSPC) + "\n");
+}
+
+struct LevelRow {
+  const char* name;
+  const char* priority;
+  std::string plain;
+  std::string coloured;
+};
+
+class Level : public ::testing::TestWithParam<LevelRow> {};
+
+TEST_P(Level, IsColouredOnATerminalOnly) {
+  const Finished piped = probe({"log", GetParam().priority, "tag", "text"});
+  const Finished shown = probe({"log-to-terminal", GetParam().priority, "tag", "text"});
+
+  EXPECT_EQ(withoutTime(piped.err), GetParam().plain + " tag: text\n");
+  EXPECT_EQ(withoutTime(shown.out), GetParam().coloured + " tag: text\r\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Level,
+                         Values(LevelRow{"Info", "4", "INFO ", "\x1b[32mINFO \x1b[0m"},
+                                LevelRow{"Warning", "5", "WARN ", "\x1b[33mWARN \x1b[0m"},
+                                LevelRow{"Error", "6", "ERROR", "\x1b[31mERROR\x1b[0m"},
+                                LevelRow{"Fatal", "7", "FATAL", "\x1b[31mFATAL\x1b[0m"}),
+                         rowName<LevelRow>);
+
+TEST(NoColor, MakesATerminalPlain) {
+  const Finished shown = probe({"log-to-terminal", "4", "tag", "text"}, {{"NO_COLOR", "1"}});
+
+  EXPECT_EQ(withoutTime(shown.out), "INFO  tag: text\r\n");
+}
+
+// ---- MURLINK_LOG
+
+struct FilterRow {
   const char* name;
   Environment environment;
   std::vector<int> shown;
 };
-std::string filterName(const TestParamInfo<Filter>& info) {
-  return info.param.name;
-}
 
-class MurlinkLog : public TestWithParam<Filter> {};
-INSTANTIATE_TEST_SUITE_P(Variable, MurlinkLog,
-                         Values(Filter{"Unset", {}, {4, 5, 6, 7, INT_MAX}},
-                                Filter{"Empty", {{"MURLINK_LOG", ""}}, {4, 5, 6, 7, INT_MAX}},
-                                Filter{"Info", {{"MURLINK_LOG", "info"}}, {4, 5, 6, 7, INT_MAX}},
-                                Filter{"Error", {{"MURLINK_LOG", "error"}}, {6, 7, INT_MAX}},
-                                Filter{"Silent", {{"MURLINK_LOG", "silent"}}, {}}),
-                         filterName);
+class MurlinkLog : public ::testing::TestWithParam<FilterRow> {};
 
-TEST_P(MurlinkLog, ChoosesWhatIsShown) {
+TEST_P(MurlinkLog, SelectsThePrioritiesThatAreShown) {
   Steps steps;
-  for (const int priority : {INT_MIN, 0, 3, 4, 5, 6, 7, INT_MAX}) {
-    const std::string text = std::to_string(priority);
-    steps.insert(steps.end(), {"log", text, "tag", text});
+  for (const char* priority : {"3", "4", "5", "6", "7"}) {
+    steps.insert(steps.end(), {"log", priority, "tag", priority});
   }
 
   const Finished finished = probe(steps, GetParam().environment);
@@ -68,20 +177,15 @@ TEST_P(MurlinkLog, ChoosesWhatIsShown) {
   EXPECT_EQ(shown, GetParam().shown);
 }
 
-TEST(FilteredLine, ReturnsZero) {
-  const Finished finished = probe({"log", "4", "tag", "text"}, {{"MURLINK_LOG", "error"}});
+INSTANTIATE_TEST_SUITE_P(Variable, MurlinkLog,
+                         Values(FilterRow{"Unset", {}, {4, 5, 6, 7}},
+                                FilterRow{"Empty", {{"MURLINK_LOG", ""}}, {4, 5, 6, 7}},
+                                FilterRow{"Info", {{"MURLINK_LOG", "info"}}, {4, 5, 6, 7}},
+                                FilterRow{"Error", {{"MURLINK_LOG", "error"}}, {6, 7}},
+                                FilterRow{"Silent", {{"MURLINK_LOG", "silent"}}, {}}),
+                         rowName<FilterRow>);
 
-  EXPECT_EQ(finished.out, shownResult(0));
-}
-
-TEST(Environment, IsReadOnceAtFirstUse) {
-  const Finished finished = probe({"set", "MURLINK_LOG", "error", "log", "4", "tag", "hidden",  //
-                                   "set", "MURLINK_LOG", "info", "log", "4", "tag", "hidden"});
-
-  EXPECT_EQ(finished.err, "");
-}
-
-TEST(WrongMurlinkLog, IsWarnedAboutOnceAndMeansInfo) {
+TEST(MurlinkLog, IsWarnedAboutOnceWhenItsValueIsInvalid) {
   const Finished finished =
       probe({"log", "4", "tag", "first", "log", "4", "tag", "second"}, {{"MURLINK_LOG", "loud"}});
 
@@ -92,66 +196,21 @@ TEST(WrongMurlinkLog, IsWarnedAboutOnceAndMeansInfo) {
                   EndsWith("tag: first"), EndsWith("tag: second")));
 }
 
-TEST(WrongMurlinkLog, IsWarnedAboutOnceAmongThreads) {
-  const Finished finished = probe({"log-from-threads"}, {{"MURLINK_LOG", "loud"}});
+// ---- MURLINK_LOG_FILE
 
-  const std::vector<std::string> all = lines(finished.err);
-  EXPECT_EQ(std::count_if(all.begin(), all.end(), isWarning), 1);
-}
+TEST(MurlinkLogFile, GetsTheLinesAfterWhatItAlreadyContains) {
+  const OwnFolder folder;
+  const std::string path = folder.file("log", "an older line\n");
 
-// A path where no file is yet.
-class LogFile : public ::testing::Test {
- protected:
-  std::string path() const { return folder_.path("log"); }
-  Environment environment() const { return {{"MURLINK_LOG_FILE", path()}}; }
-  std::string text() const {
-    std::ifstream stream(path());
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
+  const Finished finished = probe({"log", "4", "tag", "text"}, {{"MURLINK_LOG_FILE", path}});
 
- private:
-  OwnFolder folder_;
-};
-
-TEST_F(LogFile, GetsTheLinesInsteadOfStandardError) {
-  const Finished finished = probe({"log", "4", "tag", "text"}, environment());
-
-  EXPECT_EQ(withoutTime(text()), "INFO  tag: text\n");
+  std::ifstream stream(path);
+  EXPECT_THAT(lines({std::istreambuf_iterator<char>(stream), {}}),
+              ElementsAre("an older line", EndsWith("INFO  tag: text")));
   EXPECT_EQ(finished.err, "");
 }
 
-TEST_F(LogFile, KeepsWhatItHeld) {
-  std::ofstream(path()) << "held before\n";
-
-  probe({"log", "4", "tag", "text"}, environment());
-
-  EXPECT_THAT(lines(text()), ElementsAre("held before", EndsWith("tag: text")));
-}
-
-TEST_F(LogFile, IsCreatedForAllToReadAndItsOwnerToWrite) {
-  const mode_t usual_mask = umask(0);
-  probe({"log", "4", "tag", "text"}, environment());
-  umask(usual_mask);
-
-  EXPECT_EQ(std::filesystem::status(path()).permissions(), std::filesystem::perms{0644});
-}
-
-TEST_F(LogFile, IsNotHandedToOtherPrograms) {
-  const Finished finished =
-      probe({"log", "4", "tag", "text", "become", "/bin/ls", "-l", "/proc/self/fd"}, environment());
-
-  EXPECT_THAT(finished.out, HasSubstr(" 2 -> pipe:"));
-  EXPECT_THAT(finished.out, Not(HasSubstr(path())));
-}
-
-TEST_F(LogFile, StaysPlainBesideATerminal) {
-  const Finished finished = probe({"log-to-terminal", "4", "tag", "text"}, environment());
-
-  EXPECT_EQ(withoutTime(text()), "INFO  tag: text\n");
-  EXPECT_EQ(finished.out, "");
-}
-
-TEST(UnopenableLogFile, IsWarnedAboutOnceAndMeansStandardError) {
+TEST(MurlinkLogFile, IsWarnedAboutOnceWhenItCannotBeOpened) {
   const Finished finished = probe({"log", "4", "tag", "first", "log", "4", "tag", "second"},
                                   {{"MURLINK_LOG_FILE", "/no such folder/log"}});
 
@@ -162,73 +221,36 @@ TEST(UnopenableLogFile, IsWarnedAboutOnceAndMeansStandardError) {
                   EndsWith("tag: first"), EndsWith("tag: second")));
 }
 
-TEST(UnopenableLogFile, IsWarnedAboutOnceAmongThreads) {
-  const Finished finished =
-      probe({"log-from-threads"}, {{"MURLINK_LOG_FILE", "/no such folder/log"}});
+// ---- MURLINK_SWITCHABLE_LENS
 
-  const std::vector<std::string> all = lines(finished.err);
-  EXPECT_EQ(std::count_if(all.begin(), all.end(), isWarning), 1);
-}
-
-TEST(EmptyLogFile, CountsAsUnset) {
-  const Finished finished = probe({"log", "4", "tag", "text"}, {{"MURLINK_LOG_FILE", ""}});
-
-  EXPECT_EQ(withoutTime(finished.err), "INFO  tag: text\n");
-}
-
-struct Lens {
+struct LensRow {
   const char* name;
   Environment environment;
   std::string answer;
 };
-std::string lensName(const TestParamInfo<Lens>& info) {
-  return info.param.name;
-}
 
-const std::string kUnknown = std::to_string(-ENOENT) + " untouched\n";
+const std::string kUnknown = std::to_string(-ENOENT) + " unchanged\n";
 
-class SwitchableLens : public TestWithParam<Lens> {};
-INSTANTIATE_TEST_SUITE_P(Variable, SwitchableLens,
-                         Values(Lens{"Unset", {}, "0 true\n"},
-                                Lens{"Empty", {{"MURLINK_SWITCHABLE_LENS", ""}}, "0 true\n"},
-                                Lens{"True", {{"MURLINK_SWITCHABLE_LENS", "true"}}, "0 true\n"},
-                                Lens{"False", {{"MURLINK_SWITCHABLE_LENS", "false"}}, "0 false\n"},
-                                Lens{"Absent", {{"MURLINK_SWITCHABLE_LENS", "absent"}}, kUnknown}),
-                         lensName);
+class MurlinkSwitchableLens : public ::testing::TestWithParam<LensRow> {};
 
-TEST_P(SwitchableLens, IsAnsweredAsTheVariableSays) {
+TEST_P(MurlinkSwitchableLens, IsTheAnswerOfTheDevice) {
   const Finished finished = probe({"ask", kLensKey}, GetParam().environment);
 
   EXPECT_EQ(finished.out, GetParam().answer);
-  EXPECT_EQ(finished.err, "");
 }
 
-TEST(WrongSwitchableLens, IsWarnedAboutOnceAndMeansTrue) {
-  const Finished finished =
-      probe({"ask", kLensKey, "ask", kLensKey}, {{"MURLINK_SWITCHABLE_LENS", "yes"}});
-
-  EXPECT_EQ(finished.out, "0 true\n0 true\n");
-  EXPECT_EQ(finished.err,
-            "murlink: warning: MURLINK_SWITCHABLE_LENS=\"yes\" is not one of true, false, absent; "
-            "using the default, true\n");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Variable, MurlinkSwitchableLens,
+    Values(LensRow{"Unset", {}, "0 true\n"},
+           LensRow{"True", {{"MURLINK_SWITCHABLE_LENS", "true"}}, "0 true\n"},
+           LensRow{"False", {{"MURLINK_SWITCHABLE_LENS", "false"}}, "0 false\n"},
+           LensRow{"Absent", {{"MURLINK_SWITCHABLE_LENS", "absent"}}, kUnknown}),
+    rowName<LensRow>);
 
 TEST(OtherKey, IsUnknown) {
   const Finished finished = probe({"ask", "com.vantrel/featureconf/product.other"});
 
   EXPECT_EQ(finished.out, kUnknown);
-}
-
-TEST(NullKey, IsInvalid) {
-  const Finished finished = probe({"ask", "NULL"});
-
-  EXPECT_EQ(finished.out, std::to_string(-EINVAL) + " untouched\n");
-}
-
-TEST(NullValue, IsInvalid) {
-  const Finished finished = probe({"ask-for-no-value", kLensKey});
-
-  EXPECT_EQ(finished.out, shownResult(-EINVAL));
 }
 
 }  // namespace
