@@ -13,8 +13,8 @@ struct Choice {
   int meaning;
 };
 
-// The meaning of the variable's value. `choices` lists the valid values, the default first. Each call
-// warns about an invalid value and returns the default, so call it once and keep the result.
+// The meaning of the variable's value. `choices` lists the valid values, the default first. For an
+// invalid value each call warns and returns the default, so call it once and keep the result.
 int chosen(const char* variable, const std::vector<Choice>& choices);
 
 #endif

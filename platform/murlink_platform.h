@@ -2,8 +2,8 @@
 /**
  * The two functions of the device's platform that the library calls.
  *
- * On a device the platform defines them, on a PC libmurlink-platform.so, in a test the test program.
- * Valid as C99 and as C++.
+ * On a device the platform defines them, on a PC libmurlink-platform.so, in a test the program
+ * itself. Valid as C99 and as C++.
  */
 #ifndef MURLINK_PLATFORM_H
 #define MURLINK_PLATFORM_H

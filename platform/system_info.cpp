@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view kLensKey = "com.vantrel/featureconf/product.switchable_lens_support";
 
-// 1 when the device has the lens, 0 when not, a negative error number when it does not know the key.
+// 1 when the device has the lens, 0 when not, a negative error number when the key is unknown.
 int lensAnswer() {
   static const int answer =
       chosen("MURLINK_SWITCHABLE_LENS", {{"true", 1}, {"false", 0}, {"absent", -ENOENT}});
