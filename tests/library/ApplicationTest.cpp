@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Complete applications, in processes of their own and with the platform's stand-in: C programs, the
-// examples, the programs that the documentation shows, and a program that loads the library twice.
+// Complete applications in processes of their own, with the platform's stand-in: a C program, the
+// examples, the programs in the documentation, and a program that loads the library twice.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -46,7 +46,7 @@ TEST(CApplication, GetsTheConnectionCodeWhenNobodyListens) {
   EXPECT_EQ(finished.out, "gesture_recognition_initialize 26710\n");
 }
 
-TEST(CApplication, FindsItsLogOnStandardError) {
+TEST(CApplication, GetsItsLogOnStandardError) {
   const Finished finished = run({C_CALLER, "gesture_recognition_initialize"});
 
   EXPECT_THAT(finished.err, HasSubstr("ERROR murlink: GestureRecognition.cpp : Initialize("));

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the library's own variables held when the program had been loaded, before any test.
+// The values of the library's variables at load, before any test.
 #ifndef MURLINK_TESTS_AT_LOAD_H
 #define MURLINK_TESTS_AT_LOAD_H
 

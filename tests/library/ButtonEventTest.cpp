@@ -28,8 +28,8 @@ bool operator==(const Call& a, const Call& b) {
   return std::tie(a.id, a.state, a.user_data) == std::tie(b.id, b.state, b.user_data);
 }
 
-// Keeps the arguments of each call of its callback. The mutex also tells the thread sanitizer that a
-// call comes before the test reads it.
+// Keeps the arguments of each call of its callback. The mutex also orders calls and test for the
+// thread sanitizer, which does not see that an rpc does.
 class Calls {
  public:
   FootTouch_Server::ButtonCallback callback() {
@@ -93,7 +93,7 @@ TEST_F(ButtonEvent, PassesAnyIdToTheCallback) {
                           Call{std::numeric_limits<int>::min(), 1, nullptr}));
 }
 
-TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
+TEST_F(ButtonEvent, IsAnsweredWithFourWhenNoCallbackIsSet) {
   const LogCapture log;
 
   EXPECT_EQ(press(3).s(), 4);
@@ -103,7 +103,7 @@ TEST_F(ButtonEvent, IsAnsweredWith4WhenNoCallbackIsSet) {
               ElementsAre(errorLine(kOn, "callback not set"), errorLine(kOff, "callback not set")));
 }
 
-TEST_F(ButtonEvent, IsAnsweredWith4AfterTheCallbackIsCleared) {
+TEST_F(ButtonEvent, IsAnsweredWithFourAfterTheCallbackIsCleared) {
   Calls calls;
   server->set_button_cb(calls.callback(), nullptr);
   server->set_button_cb(nullptr, nullptr);

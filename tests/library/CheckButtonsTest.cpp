@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which layouts are accepted, and what is said about the others. That they are not sent is covered
-// by FootTouchApiTest.
+// Which layouts are accepted, and what is logged about the others. That those are not sent is
+// covered by FootTouchApiTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ void PrintTo(const Layout& layout, std::ostream* out) {
 
 class CheckedLayout : public ::testing::TestWithParam<Layout> {};
 
-TEST_P(CheckedLayout, IsAcceptedOrRefusedWithItsComplaints) {
+TEST_P(CheckedLayout, IsAcceptedOrRefusedWithItsLogLines) {
   const auto& [name, buttons, accepted, complaints] = GetParam();
   const LogCapture log;
 
@@ -151,7 +151,7 @@ INSTANTIATE_TEST_SUITE_P(
         Layout{"NanBesideAnything", {{1, kNaN, 0.5F}, {2, 0, 1}}, true, {}}),
     rowName<Layout>);
 
-TEST(CheckedLayout, OfNoButtonsIsAcceptedUnread) {
+TEST(CheckedLayout, OfNoButtonsIsAcceptedWithoutBeingRead) {
   for (const int count : {0, -1, std::numeric_limits<int>::min()}) {
     const LogCapture log;
 
@@ -162,7 +162,7 @@ TEST(CheckedLayout, OfNoButtonsIsAcceptedUnread) {
   }
 }
 
-// Floats that touch, nearly touch, or are no numbers at all.
+// Random layouts whose buttons touch, nearly touch, overlap by little, or are NaN.
 class AwkwardLayouts {
  public:
   std::vector<button> next() {

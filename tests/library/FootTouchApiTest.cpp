@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The foot-touch functions and their states. Each test runs in a process of its own, so it starts
-// with foot touch uninitialised. Presses are covered by PressesTest, the whole log by
-// FootTouchLogTest.
+// with foot touch uninitialised. Presses are covered by PressesTest, the order of all log lines by
+// FootTouchLogTest, a taken port and long outages by the endurance tests.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <memory>
 #include <stdexcept>
 
 #include "FootTouchGrpcClient.h"
@@ -14,6 +16,7 @@
 #include "support/PlatformCapture.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
+#include "support/Within.h"
 
 namespace {
 
@@ -365,6 +368,20 @@ INSTANTIATE_TEST_SUITE_P(Robot, FailedFinalize,
                                            RobotRow{"IsSilent", "never", -110},
                                            RobotRow{"Fails", "fail UNAVAILABLE", -29398954}),
                          rowName<RobotRow>);
+
+TEST(KilledPeers, MakeFinalizeFailUntilTheyAreBack) {
+  auto peers = std::make_unique<SimulatorProcess>();
+  ASSERT_EQ(foot_touch_initialize(), 0);
+  peers->signal(SIGKILL);
+  peers->waitForEnd();
+  peers.reset();
+
+  EXPECT_EQ(foot_touch_finalize(), FOOT_TOUCH_ERROR_CONNECTION_FAILED);
+
+  peers = std::make_unique<SimulatorProcess>();
+  peers->command("set foot-touch on");
+  EXPECT_TRUE(within10s([] { return foot_touch_finalize() == 0; }));
+}
 
 TEST_F(FootTouch, StillSendsCommandsAfterItIsFinalized) {
   foot_touch_initialize();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The foot-touch client's singleton, and the query about the lens. The robot's answers are covered by
-// RobotCommandsTest.
+// The foot-touch client's singleton, and the query about the lens. How it reports the robot's
+// answers is covered by RobotCommandsTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What only the inside of foot touch can show: its two variables, and results that no peer brings
-// about today.
+// Foot touch from inside the library: its two variables, and results that no peer can cause.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -52,7 +51,7 @@ TEST(FootTouchState, HasAClientEvenWhenTheServerFailed) {
   EXPECT_EQ(FootTouch_Server::_instance, nullptr);
 }
 
-TEST(FootTouchState, StaysInitializedWhenThereIsNoClientToSwitchOff) {
+TEST(FootTouchState, StaysInitializedWhenThereIsNoClientToFinalizeWith) {
   IFootTouchGrpcClient* const client = footTouchClient;
   is_initialized = true;
   footTouchClient = nullptr;

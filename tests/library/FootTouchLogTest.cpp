@@ -16,8 +16,8 @@ namespace {
 
 using ::testing::ElementsAreArray;
 
-// Each line as "level function: body", with pointers masked. The server thread's lines are left out:
-// they may come between any two others.
+// Each line as "level function: body", with pointers masked. Lines of the server thread are left
+// out, because they may come between any two others.
 std::vector<std::string> shortLines(const LogCapture& log) {
   static const std::regex pointer("0x[0-9a-f]+");
   static const std::regex origin(R"(\w+\.cpp ?: (~?\w+)\(#\) > )");

@@ -257,7 +257,7 @@ TEST_F(ServerManager, StartsAServerAfterAnEarlyCallbackAndAStop) {
   EXPECT_THAT(log.lines(), Contains(kListening));
 }
 
-TEST_F(ServerManager, StartsAServerThatExistsAlready) {
+TEST_F(ServerManager, StartsAServerThatAlreadyExists) {
   FootTouch_Server* const there = manager.get_server_instance();
   const LogCapture log;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The gesture controller: its singleton and the C functions on top of it. How the robot's answers
-// are reported is covered by RobotCommandsTest.
+// The gesture controller's singleton and the C functions that use it. How it reports the robot's
+// answers is covered by RobotCommandsTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,22 +15,22 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-// Notes what it is asked, and answers a number of its own for each operation.
+// Records which operations are called, and returns a different number for each.
 class Substitute : public GestureRecognition {
  public:
   explicit Substitute(std::vector<std::string>& asked) : asked_(asked) {}
   ~Substitute() override { asked_.emplace_back("deleted"); }
 
-  int InitGrpcClient() override { return note("InitGrpcClient", -1); }
-  int Initialize() override { return note("Initialize", 101); }
-  int StartRecognition() override { return note("StartRecognition", 102); }
-  int StopRecognition() override { return note("StopRecognition", 103); }
-  int Finalize() override { return note("Finalize", 104); }
+  int InitGrpcClient() override { return record("InitGrpcClient", -1); }
+  int Initialize() override { return record("Initialize", 101); }
+  int StartRecognition() override { return record("StartRecognition", 102); }
+  int StopRecognition() override { return record("StopRecognition", 103); }
+  int Finalize() override { return record("Finalize", 104); }
 
  private:
   std::vector<std::string>& asked_;
 
-  int note(const char* operation, int result) {
+  int record(const char* operation, int result) {
     asked_.emplace_back(operation);
     return result;
   }
@@ -58,7 +58,7 @@ TEST_F(GestureController, IsCreatedOnceAndLoggedAtErrorLevel) {
                           errorLine(origin, "GetInstance " + shown(first))));
 }
 
-TEST_F(GestureController, IsReplacedWithoutDeletingTheFormerOne) {
+TEST_F(GestureController, IsReplacedWithoutBeingDeleted) {
   std::vector<std::string> asked;
   Substitute former(asked);
   GestureRecognition::SetInstance(&former);
@@ -91,7 +91,7 @@ TEST_F(GestureController, IsReleasedWhateverTheArgument) {
   }
 }
 
-// Notes how much has been logged when it is deleted.
+// Records the number of log lines at the time it is deleted.
 class Witness : public GestureRecognition {
  public:
   Witness(const LogCapture& log, std::size_t& lines) : log_(log), lines_(lines) {}
@@ -114,7 +114,7 @@ TEST_F(GestureController, LogsItsReleaseBeforeItIsDeleted) {
   EXPECT_EQ(lines, 1U);
 }
 
-TEST_F(GestureController, IsReleasedTwiceByLoggingTwice) {
+TEST_F(GestureController, OnlyLogsASecondRelease) {
   const LogCapture log;
 
   GestureRecognition::ReleaseInstance(nullptr);
@@ -141,7 +141,7 @@ TEST_F(GestureController, IsCreatedAgainByACallAfterItsRelease) {
           infoLine("GestureRecognition.cpp: StartRecognition", "gesture recognition run OK")));
 }
 
-TEST_F(GestureController, TakesItsOperationsInTheFixedOrder) {
+TEST_F(GestureController, HasItsOperationsInTheFixedOrder) {
   EXPECT_EQ(virtualSlot(&GestureRecognition::InitGrpcClient), kFirstSlotAfterDestructor);
   EXPECT_EQ(virtualSlot(&GestureRecognition::Initialize), kFirstSlotAfterDestructor + 1);
   EXPECT_EQ(virtualSlot(&GestureRecognition::StartRecognition), kFirstSlotAfterDestructor + 2);
@@ -149,7 +149,7 @@ TEST_F(GestureController, TakesItsOperationsInTheFixedOrder) {
   EXPECT_EQ(virtualSlot(&GestureRecognition::Finalize), kFirstSlotAfterDestructor + 4);
 }
 
-TEST_F(GestureController, PreparesTheChannelWithoutCallingAnyone) {
+TEST_F(GestureController, CreatesTheChannelWithoutCallingTheRobot) {
   SimulatorProcess robot;
 
   EXPECT_EQ(GestureRecognition::GetInstance()->InitGrpcClient(), 0);
@@ -157,17 +157,17 @@ TEST_F(GestureController, PreparesTheChannelWithoutCallingAnyone) {
   EXPECT_THAT(robot.calls(), IsEmpty());
 }
 
-// Counts how often an operation asks for the channel through the virtual operation.
+// Counts the calls of the virtual operation that creates the channel.
 class ChannelCounter : public GestureRecognition {
  public:
   int InitGrpcClient() override {
     ++asked;
-    return GestureRecognition::InitGrpcClient() - 1;  // a result that nobody looks at
+    return GestureRecognition::InitGrpcClient() - 1;  // the result is ignored
   }
   int asked = 0;
 };
 
-TEST_F(GestureController, AsksForTheChannelVirtuallyInAllOperationsButFinalize) {
+TEST_F(GestureController, CallsTheVirtualInitGrpcClientInAllOperationsButFinalize) {
   SimulatorProcess robot;
   ChannelCounter controller;
 
@@ -180,7 +180,7 @@ TEST_F(GestureController, AsksForTheChannelVirtuallyInAllOperationsButFinalize) 
   EXPECT_EQ(controller.asked, 3);
 }
 
-TEST_F(GestureController, OpensTheChannelInFinalizeToo) {
+TEST_F(GestureController, CreatesTheChannelInFinalizeToo) {
   SimulatorProcess robot;
 
   EXPECT_EQ(gesture_recognition_finalize(), GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED);
@@ -188,7 +188,7 @@ TEST_F(GestureController, OpensTheChannelInFinalizeToo) {
   EXPECT_EQ(robot.calls().size(), 1U);
 }
 
-TEST(GestureFunctions, GoToWhateverControllerIsSet) {
+TEST(GestureFunctions, CallTheControllerThatIsSet) {
   std::vector<std::string> asked;
   Substitute substitute(asked);
   GestureRecognition* const former = GestureRecognition::instance;
@@ -203,7 +203,7 @@ TEST(GestureFunctions, GoToWhateverControllerIsSet) {
   GestureRecognition::SetInstance(former);
 }
 
-TEST(GestureFunctions, ReportARobotThatIsAlreadyThere) {
+TEST(GestureFunctions, ReportARobotThatIsAlreadyInTheRequestedState) {
   SimulatorProcess robot;
 
   EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NONE);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The callback server's instance, address, start and end. Presses are covered by ButtonEventTest,
-// calls to the display by DisplaySyncTest, its port and limits by ServerSetupTest, and calls that run
-// while it ends by RunningReportsTest.
+// calls to the display by DisplaySyncTest, port and limits by ServerSetupTest, and calls in flight
+// at its end by RunningReportsTest.
 #include <gmock/gmock.h>
 #include <grpc/grpc.h>
 #include <grpc/support/alloc.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The main program of the tests that look inside the library.
+// The main program of the tests that use the library from inside.
 #include <gmock/gmock.h>
 
 #include "AtLoad.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where the process can be reached from outside, as the system itself sees it.
+// The addresses on which the process listens, as the operating system reports them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -9,8 +9,8 @@
 
 namespace {
 
-// The addresses, as host:port and a line each, on which this process takes TCP connections. gRPC's
-// sockets speak IPv6 too and show an IPv4 address as [::ffff:1.2.3.4].
+// The addresses on which this process listens, as host:port, one a line. gRPC's sockets are also
+// for IPv6 and show an IPv4 address as [::ffff:1.2.3.4].
 std::string listening() {
   const std::string command =
       "ss --no-header --listening --tcp --numeric --processes | grep 'pid=" +
@@ -18,11 +18,11 @@ std::string listening() {
   return runToEnd({"bash", "-c", command}, {}, std::chrono::seconds(10)).out;
 }
 
-TEST_F(RunningFootTouch, ListensOnItsOneAddressAndOnNoOther) {
+TEST_F(RunningFootTouch, ListensOnOneAddressOnly) {
   EXPECT_EQ(listening(), MURLINK_DISPLAY_HOST ":26711\n");
 }
 
-TEST(Gestures, ListenOnNothing) {
+TEST(GestureRecognition, DoesNotListen) {
   const SimulatorProcess peers({"--quiet"});
   ASSERT_EQ(gesture_recognition_initialize(), 0);
   ASSERT_EQ(start_gesture_recognition(), 0);
@@ -30,7 +30,7 @@ TEST(Gestures, ListenOnNothing) {
   EXPECT_EQ(listening(), "");
 }
 
-TEST_F(RunningFootTouch, ListensOnNothingOnceItIsFinalised) {
+TEST_F(RunningFootTouch, DoesNotListenOnceItIsFinalized) {
   foot_touch_finalize();
 
   EXPECT_EQ(listening(), "");

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// One channel to the robot side a process, and gRPC held open for good. The program takes over the
-// gRPC functions in question and counts the calls that come from the library. A program of its own,
-// because only the first callers of a process matter.
+// The process has one channel to the robot side and never shuts gRPC down. This program replaces
+// the gRPC functions involved and counts the library's calls of them. It is a program of its own
+// because only the first calls of a process matter.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
 
-// Exported, but its own header would bring gRPC's, with symbols that this program only borrows.
+// Exported, but its header includes gRPC's, and this program does not link gRPC.
 void initialize_grpc_client();
 
 namespace grpc {
@@ -40,11 +40,11 @@ bool isInLibrary(const void* code) {
          std::string_view(info.dli_fname).find("libmurlink-robot.so") != std::string_view::npos;
 }
 
-// The definition that `taken_over` hides.
+// The function that `replacement` replaces.
 template <typename Function>
-Function* original(Function* taken_over) {
+Function* original(Function* replacement) {
   Dl_info info{};
-  dladdr(reinterpret_cast<const void*>(taken_over), &info);
+  dladdr(reinterpret_cast<const void*>(replacement), &info);
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, info.dli_sname));
 }
 
@@ -73,8 +73,8 @@ namespace {
 
 #if !defined(__SANITIZE_THREAD__)  // whose std::call_once does not survive an exception
 
-// First of all, while there is no channel yet.
-TEST(RobotChannel, IsTriedAgainAfterAFailureToMakeIt) {
+// Must be the first test: it needs a process without a channel.
+TEST(RobotChannel, IsCreatedAfterAFirstAttemptFailed) {
   refuse_channel = true;
   EXPECT_THROW(initialize_grpc_client(), std::bad_alloc);
   EXPECT_THROW(FootTouchGrpcClient::getInstance(), std::bad_alloc);
@@ -90,7 +90,7 @@ TEST(RobotChannel, IsTriedAgainAfterAFailureToMakeIt) {
 
 #endif
 
-TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
+TEST(RobotChannel, IsCreatedOnceByManyConcurrentCallers) {
   std::atomic<bool> go{false};
   std::vector<std::thread> callers;
   for (int i = 0; i < 8; ++i) {
@@ -110,7 +110,7 @@ TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
       }
     });
   }
-  EXPECT_EQ(channels, 0) << "the channel is made on the first need, not at load";
+  EXPECT_EQ(channels, 0) << "the channel is created on first use, not at load";
 
   go = true;
   for (std::thread& caller : callers) {
@@ -122,7 +122,7 @@ TEST(RobotChannel, IsMadeOnceHoweverManyFirstCallersComeAtOnce) {
   EXPECT_EQ(shutdowns, 0);
 }
 
-TEST(RobotChannel, KeepsGrpcOpenWhenEveryClientIsGone) {
+TEST(RobotChannel, KeepsGrpcInitializedAfterEveryClientIsDeleted) {
   GestureRecognition::GetInstance()->InitGrpcClient();
   GestureRecognition::ReleaseInstance(nullptr);
   delete FootTouchGrpcClient::getInstance();
@@ -132,11 +132,11 @@ TEST(RobotChannel, KeepsGrpcOpenWhenEveryClientIsGone) {
   EXPECT_EQ(shutdowns, 0);
 }
 
-TEST(DisplayChannel, IsMadeAnewByEveryInitialize) {
+TEST(DisplayChannel, IsCreatedByEachInitialize) {
   initialize_grpc_client();
   const int robot_channels = channels;
 
-  // Nobody plays the display here, and nothing of the first attempt is used again.
+  // There is no display here, so both attempts fail.
   EXPECT_EQ(foot_touch_initialize(), FOOT_TOUCH_ERROR_NOT_INITIALIZED);
   EXPECT_EQ(foot_touch_initialize(), FOOT_TOUCH_ERROR_NOT_INITIALIZED);
 

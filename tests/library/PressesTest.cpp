@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Presses on their way from the recogniser to the application, alone, at once, and while the
-// callback changes. The wording of a single one is covered by ButtonEventTest.
+// Presses on their way from the recogniser to the application: one at a time, many at once, and
+// while the callback changes. Their log lines are covered by ButtonEventTest.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -40,14 +40,14 @@ TEST_F(Presses, AreAnsweredAsNotDeliveredWithoutACallback) {
   EXPECT_EQ(peers.command("press 1").at("s"), 4);
 }
 
-TEST_F(Presses, AreNotHeardAfterTheEnd) {
+TEST_F(Presses, AreNotDeliveredAfterFinalize) {
   foot_touch_finalize();
 
   EXPECT_EQ(peers.command("press 1 --force").at("status"), "UNAVAILABLE");
   EXPECT_TRUE(log.presses().empty());
 }
 
-TEST_F(Presses, AreHeardAgainAfterAnotherStart) {
+TEST_F(Presses, AreDeliveredAfterAnotherInitialize) {
   foot_touch_finalize();
   foot_touch_initialize();
   waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
@@ -57,13 +57,13 @@ TEST_F(Presses, AreHeardAgainAfterAnotherStart) {
   EXPECT_EQ(peers.command("press 1").at("s"), 0);
 }
 
-TEST_F(Presses, AreDeliveredEvenBeforeRecognitionStarts) {
+TEST_F(Presses, AreDeliveredEvenWhileRecognitionIsStopped) {
   stop_foot_touch();
 
   EXPECT_EQ(peers.command("press 2 --force").at("s"), 0);
 }
 
-TEST_F(Presses, OfFourRecognisersAreDeliveredOnceEach) {
+TEST_F(Presses, OfFourRecognisersAreEachDeliveredOnceAndInOrder) {
   constexpr int kEach = 2000;
   std::array<RecogniserProcess, 4> recognisers;
   std::vector<std::future<void>> walks;
@@ -90,7 +90,7 @@ TEST_F(Presses, OfFourRecognisersAreDeliveredOnceEach) {
   }
 }
 
-TEST_F(Presses, MayRunTheCallbackTwiceAtOnce) {
+TEST_F(Presses, CanRunTheCallbackConcurrently) {
   struct Meeting {
     std::promise<void> first;
     std::promise<void> second;
@@ -109,7 +109,7 @@ TEST_F(Presses, MayRunTheCallbackTwiceAtOnce) {
   pressing.get();
 }
 
-TEST_F(Presses, MayClearTheCallbackThatTheyRun) {
+TEST_F(Presses, CanClearTheCallbackThatTheyRun) {
   foot_touch_set_button_cb([](int, int, void*) { foot_touch_set_button_cb(nullptr, nullptr); },
                            nullptr);
 
@@ -117,7 +117,7 @@ TEST_F(Presses, MayClearTheCallbackThatTheyRun) {
   EXPECT_EQ(peers.command("press 1").at("s"), 4);
 }
 
-TEST_F(Presses, MayReplaceTheCallbackThatTheyRun) {
+TEST_F(Presses, CanReplaceTheCallbackThatTheyRun) {
   foot_touch_set_button_cb(
       [](int, int, void* data) { foot_touch_set_button_cb(PressLog::note, data); }, &log);
 
@@ -127,7 +127,7 @@ TEST_F(Presses, MayReplaceTheCallbackThatTheyRun) {
   EXPECT_THAT(log.presses(), ElementsAre(Press{2, 1}));
 }
 
-// Two callbacks, each with user data of its own, that notice when they are handed the other's.
+// Each of two callbacks has its own user data and counts how often it gets the other's.
 struct Pairing {
   int owner;
   std::atomic<int> calls{0};
@@ -141,7 +141,7 @@ void checkPairing(int /*id*/, int /*state*/, void* data) {
   pairing->mixed += pairing->owner == owner ? 0 : 1;
 }
 
-// A recognition that goes on in the background until it is told to stop.
+// Presses in the background while it lives.
 class BusyRecognition {
  public:
   explicit BusyRecognition(SimulatorProcess& peers)
@@ -166,7 +166,7 @@ class BusyRecognition {
   std::thread thread_;
 };
 
-TEST_F(Presses, SeeTheOldPairOrTheNewOneWhileTheCallbackIsReplaced) {
+TEST_F(Presses, NeverMixCallbackAndUserDataWhileTheyAreReplaced) {
   Pairing one{1};
   Pairing two{2};
   foot_touch_set_button_cb(checkPairing<1>, &one);
@@ -187,7 +187,7 @@ TEST_F(Presses, SeeTheOldPairOrTheNewOneWhileTheCallbackIsReplaced) {
   }
 }
 
-TEST_F(Presses, NeverEndInAnEmptyCallWhileTheCallbackIsCleared) {
+TEST_F(Presses, AreAnsweredWhileTheCallbackIsClearedAndSet) {
   {
     const BusyRecognition recognition(peers);
     for (int i = 0; i < 10'000 || recognition.rounds() < 5; ++i) {

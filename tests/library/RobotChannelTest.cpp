@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The one channel of the process, seen from inside. That it is made once, however it is first asked
-// for, is seen from outside by OneChannelTest.
+// The process's one channel to the robot side, from inside the library. That concurrent callers
+// create it once is covered by OneChannelTest.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -26,7 +26,7 @@ TEST(RobotChannel, LeadsToTheRobotSide) {
   EXPECT_NE(stub, nullptr);
 }
 
-TEST(RobotChannel, StaysTheSameForEveryFurtherCaller) {
+TEST(RobotChannel, IsTheSameForAllCallers) {
   initialize_grpc_client();
   const auto* const first_channel = channel.get();
   const auto* const first_stub = stub.get();
@@ -43,7 +43,7 @@ TEST(RobotChannel, StaysTheSameForEveryFurtherCaller) {
   EXPECT_EQ(stub.get(), first_stub);
 }
 
-TEST(RobotChannel, ConnectsToNobodyByItself) {
+TEST(RobotChannel, DoesNotConnectUntilItIsUsed) {
   initialize_grpc_client();
 
   EXPECT_EQ(channel->GetState(false), GRPC_CHANNEL_IDLE);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Calls that are in flight, and connections that are idle, when the callback server shuts down.
+// Calls in flight and idle connections when the callback server shuts down.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

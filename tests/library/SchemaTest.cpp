@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The schemas are shared with other programs: every name, number, type and method path is fixed. The
-// bytes of the messages are covered by SchemaBytesTest.
+// The schemas are shared with other programs, so every name, number, type and method path is fixed.
+// The bytes of the messages are covered by SchemaBytesTest.
 #include <gmock/gmock.h>
 #include <google/protobuf/descriptor.h>
 #include <grpcpp/create_channel.h>
@@ -81,7 +81,7 @@ const FileDescriptor& registered(const char* name) {
   return *file;
 }
 
-TEST(PlatformSchema, HasTheseMessagesInThisOrder) {
+TEST(PlatformSchema, HasItsMessagesInOrder) {
   EXPECT_THAT(textOf(registered("Quarlo_Platform.proto")),
               ::testing::ElementsAre(
                   "package ",                                                              //
@@ -97,7 +97,7 @@ TEST(PlatformSchema, HasTheseMessagesInThisOrder) {
                   "6 .Landmarks normedLDMKS", "7 .Landmarks projectedLDMKS"));
 }
 
-TEST(RobotSchema, HasThisServiceWithItsRpcsInOrder) {
+TEST(RobotSchema, HasItsRpcsInOrder) {
   EXPECT_THAT(textOf(registered("Quarlo_RB_Server.proto")),
               ::testing::ElementsAre("package zet.protobuf.app", "import Quarlo_Platform.proto",
                                      "service zet.protobuf.app.Quarlo_RB_GRPC",
@@ -107,7 +107,7 @@ TEST(RobotSchema, HasThisServiceWithItsRpcsInOrder) {
                                      "program_stop .IntMessage .StatusResponse"));
 }
 
-TEST(DisplaySchema, HasTheseMessagesAndThisServiceInOrder) {
+TEST(DisplaySchema, HasItsMessagesAndRpcsInOrder) {
   EXPECT_THAT(textOf(registered("Quarlo_TV_Server.proto")),
               ::testing::ElementsAre(
                   "package zet.protobuf.app", "import Quarlo_Platform.proto",

@@ -1,8 +1,8 @@
 /* SPDX-License-Identifier: Apache-2.0 */
 /* reload_probe LIBRARY [pressed]
    Twice: loads the library as a plug-in, uses gestures, prints the result, and unloads it.
-   With "pressed" it uses foot touch instead and waits for 10 presses after each time it has unloaded
-   the library. Then it prints "leaving" and exits with 7, without finalising. */
+   With "pressed" it uses foot touch instead, waits for 10 presses each time after it has unloaded
+   the library, prints "leaving" and exits with 7, without finalising. */
 #define _POSIX_C_SOURCE 200809L
 
 #include <dlfcn.h>
