@@ -248,7 +248,8 @@ std::set<std::string> displayChannels() {
   gpr_free(answer);
   std::set<std::string> numbers;
   for (const auto& channel : json.value("channel", nlohmann::json::array())) {
-    if (channel.at("data").at("target") == tv_server_address) {
+    const std::string target = channel.at("data").at("target");
+    if (target.find(tv_server_address) != std::string::npos) {
       numbers.insert(channel.at("ref").at("channelId"));
     }
   }

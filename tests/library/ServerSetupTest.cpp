@@ -195,7 +195,10 @@ class AfterStaticObjects {
  public:
   ~AfterStaticObjects() {
     if (builds_) {
+      zet::protobuf::app::Quarlo_RB_GRPC::Service service;
       grpc::ServerBuilder builder;
+      builder.AddListeningPort("127.0.0.1:0", grpc::InsecureServerCredentials());
+      builder.RegisterService(&service);
       std::cerr << (murlink::build(builder) == nullptr ? "no server" : "a server") << std::endl;
     }
   }
