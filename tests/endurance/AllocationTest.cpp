@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// Memory that the library asks for and does not get: std::bad_alloc leaves the function that asked,
-// the same call then works, and nothing ends the process.
+// An allocation of the library fails: the function throws std::bad_alloc, the same call then works,
+// and the process does not end.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <new>
 #include <random>
 
@@ -13,13 +12,13 @@
 #include "FootTouchServerManager.h"
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/PressLog.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
-// A leak checker asks for it. What gRPC generates for a service makes two objects in one
-// expression, and loses the first when there is no memory for the second.
+// For LeakSanitizer: the code that gRPC generates for a service makes two objects in one expression,
+// and leaks the first when the second cannot be allocated.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:Quarlo_RB_GRPC::Service::Service";
@@ -27,9 +26,9 @@ extern "C" const char* __lsan_default_suppressions() {
 
 namespace {
 
-// As an application does that is told to try again.
+// Tries a second time, as an application could.
 template <typename Call>
-auto insisting(Call call) {
+auto retried(Call call) {
   try {
     return call();
   } catch (const std::bad_alloc&) {
@@ -37,15 +36,8 @@ auto insisting(Call call) {
   }
 }
 
-bool logged(const LogCapture& log, const char* text) {
-  const auto lines = log.lines();
-  return std::any_of(lines.begin(), lines.end(), [text](const LogLine& line) {
-    return line.text.find(text) != std::string::npos;
-  });
-}
-
-// The singletons are made anew, or only the first use in a process would ask for them.
-void forgetSingletons() {
+// Otherwise only the first use in a process would allocate them.
+void deleteSingletons() {
   delete FootTouchServerManager::_instance;
   FootTouchServerManager::_instance = nullptr;
   delete FootTouchGrpcClient::_instance;
@@ -53,27 +45,28 @@ void forgetSingletons() {
   GestureRecognition::ReleaseInstance(nullptr);
 }
 
-// All that an application does. A server thread without memory says so, and there is no server.
+// Everything that an application does. A server thread that cannot allocate logs that it cannot
+// listen, and there is no server.
 void useEverything(SimulatorProcess& peers) {
   const LogCapture log;
   PressLog presses;
   const button buttons[] = {{1, 0, 0.5F}, {2, 0.5F, 1}};
-  ASSERT_EQ(insisting(foot_touch_initialize), 0);
-  ASSERT_TRUE(within10s(
-      [&] { return logged(log, "Server listening") || logged(log, "cannot listen on"); }));
-  insisting([&] { foot_touch_set_button_cb(PressLog::note, &presses); });
-  EXPECT_EQ(insisting([&] { return foot_touch_set_buttons(buttons, 2); }), 0);
-  EXPECT_EQ(insisting(start_foot_touch), 0);
-  if (logged(log, "Server listening")) {
+  ASSERT_EQ(retried(foot_touch_initialize), 0);
+  ASSERT_TRUE(
+      within10s([&] { return log.has("Server listening") || log.has("cannot listen on"); }));
+  retried([&] { foot_touch_set_button_cb(PressLog::note, &presses); });
+  EXPECT_EQ(retried([&] { return foot_touch_set_buttons(buttons, 2); }), 0);
+  EXPECT_EQ(retried(start_foot_touch), 0);
+  if (log.has("Server listening")) {
     peers.command("press 1");
     EXPECT_FALSE(presses.presses().empty());
   }
-  EXPECT_EQ(insisting(stop_foot_touch), 0);
-  EXPECT_EQ(insisting(foot_touch_finalize), 0);
-  insisting(gesture_recognition_initialize);
-  EXPECT_EQ(insisting(start_gesture_recognition), 0);
-  EXPECT_EQ(insisting(stop_gesture_recognition), 0);
-  EXPECT_EQ(insisting(gesture_recognition_finalize), 4);
+  EXPECT_EQ(retried(stop_foot_touch), 0);
+  EXPECT_EQ(retried(foot_touch_finalize), 0);
+  retried(gesture_recognition_initialize);
+  EXPECT_EQ(retried(start_gesture_recognition), 0);
+  EXPECT_EQ(retried(stop_gesture_recognition), 0);
+  EXPECT_EQ(retried(gesture_recognition_finalize), 4);
 }
 
 bool useEverythingWithout(int nth, SimulatorProcess& peers) {
@@ -82,14 +75,13 @@ bool useEverythingWithout(int nth, SimulatorProcess& peers) {
   failAllocation(nth);
   useEverything(peers);
   const bool failed = allocationFailed();
-  forgetSingletons();
+  deleteSingletons();
   return failed;
 }
 
-TEST(FailingAllocations, LeaveTheChannelToTheNextCall) {
+TEST(FailedAllocation, OfTheChannelIsRepeatedByTheNextCall) {
 #ifdef __SANITIZE_THREAD__
-  GTEST_SKIP()
-      << "ThreadSanitizer's pthread_once() never forgets a call that ended by an exception";
+  GTEST_SKIP() << "ThreadSanitizer's pthread_once() does not support exceptions";
 #endif
   int points = 0;
   for (bool made = false; !made; ++points) {
@@ -106,13 +98,13 @@ TEST(FailingAllocations, LeaveTheChannelToTheNextCall) {
 
   EXPECT_GT(points, 2);
   EXPECT_EQ(gesture_recognition_initialize(), 0);
-  figure("allocations that fail while the channel is made", points - 1, "the next call makes it");
+  figure("failed allocations while the channel is made", points - 1, "the next call makes it");
 }
 
-TEST(FailingAllocations, EndNothingAndAreOverWithTheNextCall) {
+TEST(FailedAllocation, ThrowsOnceAndTheNextCallWorks) {
   SimulatorProcess peers({"--quiet"});
-  FootTouchGrpcClient::getInstance();  // the channel is made once, and has a test of its own
-  forgetSingletons();
+  FootTouchGrpcClient::getInstance();  // makes the channel, which has a test of its own
+  deleteSingletons();
   int points = 0;
   while (useEverythingWithout(points + 1, peers)) {
     ASSERT_FALSE(HasFailure()) << "allocation " << points + 1;
@@ -127,7 +119,7 @@ TEST(FailingAllocations, EndNothingAndAreOverWithTheNextCall) {
   }
 
   EXPECT_GT(points, 10);
-  figure("allocations that fail, one in each session", points + more,
+  figure("failed allocations, one in each session", points + more,
          std::to_string(points) + " places; std::bad_alloc, and the next call works");
 }
 

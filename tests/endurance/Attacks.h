@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What clients that keep to no rule do to the library's server. Each attack ends its connections,
-// and waits until the server has closed them too: it has then dealt with everything that was sent.
+// Clients of the library's server that break the protocol, or exhaust it. Each attack ends its
+// connections and waits until the server has closed them too, and so has handled all that was sent.
 #ifndef MURLINK_TESTS_ATTACKS_H
 #define MURLINK_TESTS_ATTACKS_H
 
@@ -9,10 +9,10 @@
 
 #include "support/RawConnection.h"
 
-// That many connections to the library's server, on each of which `text` has been said.
-std::vector<RawConnection> opened(int connections, const std::string& text);
+// Opens connections to the library's server, and sends `bytes` on each.
+std::vector<RawConnection> opened(int connections, const std::string& bytes);
 
-// `Times` counts what the name says.
+// `times` counts what the name says.
 void holdIdleConnections(int times);
 void sendHalfPrefaces(int times);
 void sendRandomBytes(int times);

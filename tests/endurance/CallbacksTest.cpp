@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Applications whose callback does what callbacks should not, or may: it throws, it takes 10 s, it
-// replaces or clears itself, it calls the library. What ends the process is in ExitsTest.
+// Unusual callbacks, allowed or not: they throw, block for 10 s, replace or clear themselves, or call
+// the library. ExitsTest has those that end the process.
 #include <gmock/gmock.h>
 
 #include <array>
@@ -10,6 +10,7 @@
 
 #include "Endurance.h"
 #include "support/ChildProcess.h"
+#include "support/Elapsed.h"
 #include "support/RecogniserProcess.h"
 #include "support/RowName.h"
 #include "support/RunningFootTouch.h"
@@ -20,7 +21,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-// Outlives the fixture, whose end waits for callbacks.
+// A base class, because it must outlive the fixture, whose destructor waits for callbacks.
 struct Watched {
   const Watchdog watchdog{"a test of callbacks", seconds(times(120, 7'200))};
 };
@@ -32,8 +33,8 @@ class Callback : private Watched, public RunningFootTouch {
 
 // ---- Throwing
 
-struct OwnFailure {
-  int why;
+struct OwnError {
+  int code;
 };
 
 void throwsStandard(int id, int /*state*/, void* /*user_data*/) {
@@ -45,17 +46,17 @@ void throwsNumber(int id, int /*state*/, void* /*user_data*/) {
 }
 
 void throwsOwn(int id, int /*state*/, void* /*user_data*/) {
-  throw OwnFailure{id};
+  throw OwnError{id};
 }
 
-struct Throwing {
+struct ThrowingRow {
   const char* name;
   foot_touch_button_cb callback;
 };
 
-class ThrowingCallback : public Callback, public ::testing::WithParamInterface<Throwing> {};
+class ThrowingCallback : public Callback, public ::testing::WithParamInterface<ThrowingRow> {};
 
-TEST_P(ThrowingCallback, FailsItsPressAndNoOther) {
+TEST_P(ThrowingCallback, FailsItsOwnPressOnly) {
   const int rounds = times(100, 10'000);
   for (int i = 0; i < rounds; ++i) {
     foot_touch_set_button_cb(GetParam().callback, nullptr);
@@ -71,14 +72,14 @@ TEST_P(ThrowingCallback, FailsItsPressAndNoOther) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Callback, ThrowingCallback,
-                         ::testing::Values(Throwing{"AStandardException", throwsStandard},
-                                           Throwing{"ANumber", throwsNumber},
-                                           Throwing{"AClassOfItsOwn", throwsOwn}),
-                         rowName<Throwing>);
+                         ::testing::Values(ThrowingRow{"AStandardException", throwsStandard},
+                                           ThrowingRow{"ANumber", throwsNumber},
+                                           ThrowingRow{"AClassOfItsOwn", throwsOwn}),
+                         rowName<ThrowingRow>);
 
 // ---- Blocking
 
-// Its first call takes 10 s; the others return at once.
+// The first call takes 10 s; the others return at once.
 struct SlowFirst {
   std::atomic<int> calls{0};
   std::atomic<bool> first_has_returned{false};
@@ -97,7 +98,7 @@ struct SlowFirst {
   }
 };
 
-TEST_F(Callback, ThatBlocksHoldsUpOnlyItsOwnPressAndTheEnd) {
+TEST_F(Callback, ThatBlocksDelaysOnlyItsOwnPressAndFinalize) {
   const int rounds = times(1, 30);
   const int presses = 200;
   milliseconds longest_after{0};
@@ -110,13 +111,13 @@ TEST_F(Callback, ThatBlocksHoldsUpOnlyItsOwnPressAndTheEnd) {
 
     recogniser.command("repeat " + std::to_string(presses) + " press 2 --force");
     EXPECT_EQ(slow.calls, 1 + presses);
-    EXPECT_FALSE(slow.first_has_returned) << "too slow to see the others pass";
+    EXPECT_FALSE(slow.first_has_returned)
+        << "the machine is too slow to show that the others are not delayed";
     EXPECT_EQ(foot_touch_finalize(), 0);
 
     EXPECT_TRUE(slow.first_has_returned);
     EXPECT_EQ(blocked.get().value("s", -1), 0);
-    const auto waited = std::chrono::ceil<milliseconds>(steady_clock::now() - start);
-    longest_after = std::max(longest_after, waited - seconds(10));
+    longest_after = std::max(longest_after, elapsedSince(start) - milliseconds(seconds(10)));
     ASSERT_FALSE(HasFailure()) << "round " << i;
     ASSERT_EQ(foot_touch_initialize(), 0);
     waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
@@ -129,14 +130,14 @@ TEST_F(Callback, ThatBlocksHoldsUpOnlyItsOwnPressAndTheEnd) {
 
 // ---- Replacing and clearing itself
 
-// Two callbacks that install one another; each is to be called with its own data only.
+// Two callbacks that install each other; each must be called with its own data.
 struct Turn {
   foot_touch_button_cb self;
   Turn* other;
   std::atomic<int> calls{0};
 };
 
-std::atomic<int> mistaken{0};
+std::atomic<int> mismatches{0};
 
 template <int side>
 void handOver(int /*id*/, int /*state*/, void* data);
@@ -146,7 +147,7 @@ constexpr std::array<foot_touch_button_cb, 2> kSides{handOver<0>, handOver<1>};
 template <int side>
 void handOver(int /*id*/, int /*state*/, void* data) {
   auto& turn = *static_cast<Turn*>(data);
-  mistaken += turn.self == kSides[side] ? 0 : 1;
+  mismatches += turn.self == kSides[side] ? 0 : 1;
   ++turn.calls;
   foot_touch_set_button_cb(turn.other->self, turn.other);
 }
@@ -166,9 +167,9 @@ TEST_F(Callback, MayReplaceItselfAtEveryPress) {
   EXPECT_EQ(one.calls + two.calls, presses);
   EXPECT_GT(one.calls, 0);
   EXPECT_GT(two.calls, 0);
-  EXPECT_EQ(mistaken, 0);
+  EXPECT_EQ(mismatches, 0);
   figure("callback replaces itself, two recognisers", presses,
-         "each delivered once; none with the other callback's data");
+         "each press delivered once, and with its own callback's data");
 }
 
 void clearItself(int /*id*/, int /*state*/, void* calls) {
@@ -211,14 +212,14 @@ int initializeGestures() {
   return result == GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED ? 0 : result;
 }
 
-struct Inside {
+struct InsideRow {
   const char* name;
   std::vector<int (*)()> functions;
   std::vector<int> results;
 };
 
 struct Caller {
-  const Inside& inside;
+  const InsideRow& inside;
   std::promise<std::vector<int>> results;
 
   static void callback(int /*id*/, int /*state*/, void* self) {
@@ -231,9 +232,9 @@ struct Caller {
   }
 };
 
-class CallingCallback : public Callback, public ::testing::WithParamInterface<Inside> {};
+class CallingCallback : public Callback, public ::testing::WithParamInterface<InsideRow> {};
 
-TEST_P(CallingCallback, GetsTheResultThatTheApplicationWouldGet) {
+TEST_P(CallingCallback, GetsTheSameResultsAsOutsideTheCallback) {
   const int rounds = times(50, 5'000);
   for (int i = 0; i < rounds; ++i) {
     Caller caller{GetParam(), {}};
@@ -244,22 +245,22 @@ TEST_P(CallingCallback, GetsTheResultThatTheApplicationWouldGet) {
     ASSERT_EQ(caller.results.get_future().get(), GetParam().results) << "round " << i;
   }
   figure(std::string("callback calls the library: ") + GetParam().name, rounds,
-         "result as outside the callback");
+         "same results as outside the callback");
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Callback, CallingCallback,
     ::testing::Values(
-        Inside{"InitializeAgain", {foot_touch_initialize}, {0}},
-        Inside{"SetButtons", {setButtons}, {0}}, Inside{"SetCallback", {setCallback}, {0}},
-        Inside{"StopAndStart", {stop_foot_touch, stop_foot_touch, start_foot_touch}, {0, 3, 0}},
-        Inside{"Gestures",
-               {initializeGestures, startAndStopGestures, gesture_recognition_finalize},
-               {0, 0, GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED}}),
-    rowName<Inside>);
+        InsideRow{"InitializeAgain", {foot_touch_initialize}, {0}},
+        InsideRow{"SetButtons", {setButtons}, {0}}, InsideRow{"SetCallback", {setCallback}, {0}},
+        InsideRow{"StopAndStart", {stop_foot_touch, stop_foot_touch, start_foot_touch}, {0, 3, 0}},
+        InsideRow{"Gestures",
+                  {initializeGestures, startAndStopGestures, gesture_recognition_finalize},
+                  {0, 0, GESTURE_RECOGNITION_ERROR_NOT_INITIALIZED}}),
+    rowName<InsideRow>);
 
-// In a process of its own, which only a signal can end.
-TEST(FinalizingCallback, WaitsForItselfForEver) {
+// In a process of its own, because only a signal can end it.
+TEST(FinalizingCallback, DeadlocksAsDocumented) {
   const int rounds = times(1, 10);
   for (int i = 0; i < rounds; ++i) {
     SimulatorProcess peers({"--quiet"});
@@ -277,7 +278,7 @@ TEST(FinalizingCallback, WaitsForItselfForEver) {
     }
     presses.get();
   }
-  figure("callback finalises (not allowed)", rounds, "waits for itself, as documented");
+  figure("callback finalises (not allowed)", rounds, "deadlock, as documented");
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-// The wall clock is set, by a little or by a lot, just before a call or while it waits: it is
-// answered or ends by its deadline as ever. Deadlines are made from that clock.
+// The wall clock, which deadlines are computed from, is set just before a call or while it waits: the
+// call is still answered, or ends by its deadline.
 //
-// One thing is left out: gRPC's timers (1.51) wait for a time of day, so a call that nobody answers
-// may go on until a clock that was set back has caught up. That is shown with a second, not an
-// hour.
+// One exception: gRPC's timers (1.51) wait for a time of day, so an unanswered call may last longer
+// by as much as the clock is set back. The test for it uses a second, not an hour.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,14 +21,13 @@ struct ClockStep {
   std::chrono::seconds size;
 };
 
-// Nearly all of the time since 1970.
 std::chrono::seconds backTo1970() {
   return std::chrono::seconds(10 - std::time(nullptr));
 }
 
 class WallClock : public ::testing::TestWithParam<ClockStep> {
  protected:
-  // As many calls as asked for, with the clock set so many milliseconds after they have begun.
+  // Makes calls, and sets the clock some milliseconds (one of `after`) after each has begun.
   static std::vector<Outcome> callsThrough(const char* fault,
                                            const std::vector<std::string>& after) {
     std::vector<Trial> trials;
@@ -58,7 +56,7 @@ void expectDeadlinesKept(const std::vector<Outcome>& outcomes, std::chrono::mill
   }
 }
 
-TEST_P(SilentPeer, IsWaitedForUntilTheDeadlineAndForWhatTheClockIsSetBackAtMost) {
+TEST_P(SilentPeer, IsWaitedForUntilTheDeadlineAndTheStepBackAtMost) {
   if (!kHaveOwnNetworks) {
     GTEST_SKIP() << kNoOwnNetwork;
   }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The process has used up its file descriptors, while it listens, starts or calls: nothing crashes,
-// and everything works again once there are free ones and, for presses, foot touch was started
-// anew.
+// The process runs out of file descriptors while it listens, initialises or calls: nothing crashes,
+// and everything works again once descriptors are free; presses only after foot touch was
+// initialised again.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,10 +11,10 @@
 #include <csignal>
 #include <memory>
 
-#include "Endurance.h"
-#include "murlink_robot.h"
+#include "WatchedFootTouch.h"
 #include "support/Listener.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
+#include "support/RawConnection.h"
 #include "support/RecogniserProcess.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
@@ -24,15 +24,15 @@ namespace {
 using std::chrono::seconds;
 using ::testing::AnyOf;
 
-// The checks for undefined behaviour, built together with those of addresses, look at an object's
-// type through a pipe, and take one that they cannot open for a wrong type.
+// UndefinedBehaviorSanitizer, which is built together with AddressSanitizer, checks memory with a
+// pipe, and reports an error when it cannot open one.
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kChecksNeedDescriptors = true;
 #else
 constexpr bool kChecksNeedDescriptors = false;
 #endif
 
-// Holds all descriptors but `spare` while it lives.
+// Opens all descriptors but `spare` while it lives.
 class UsedUpDescriptors {
  public:
   explicit UsedUpDescriptors(int spare = 0) {
@@ -41,15 +41,15 @@ class UsedUpDescriptors {
     low.rlim_cur = 200;
     setrlimit(RLIMIT_NOFILE, &low);
     for (int one = 0; (one = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;) {
-      held_.push_back(one);
+      opened_.push_back(one);
     }
     for (; spare > 0; --spare) {
-      close(held_.back());
-      held_.pop_back();
+      close(opened_.back());
+      opened_.pop_back();
     }
   }
   ~UsedUpDescriptors() {
-    for (const int one : held_) {
+    for (const int one : opened_) {
       close(one);
     }
     setrlimit(RLIMIT_NOFILE, &before_);
@@ -59,21 +59,11 @@ class UsedUpDescriptors {
 
  private:
   rlimit before_{};
-  std::vector<int> held_;
+  std::vector<int> opened_;
 };
 
-int initialize() {
-  const Watchdog watchdog("foot_touch_initialize", seconds(10));
-  return foot_touch_initialize();
-}
-
-int finalize() {
-  const Watchdog watchdog("foot_touch_finalize", seconds(30));
-  return foot_touch_finalize();
-}
-
 void start() {
-  ASSERT_TRUE(within10s([] { return initialize() == 0; }));  // gRPC waits before it connects again
+  ASSERT_TRUE(within10s([] { return initializeWatched() == 0; }));  // after gRPC's back-off
   waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
 }
@@ -82,79 +72,77 @@ int pressOf(SimulatorProcess& recogniser) {
   return recogniser.command("press 1 --force").value("s", -1);
 }
 
-// By a recogniser that has not been connected before.
-int pressOfAnother() {
-  RecogniserProcess another;
-  return pressOf(another);
+int pressOnNewConnection() {
+  RecogniserProcess recogniser;
+  return pressOf(recogniser);
 }
 
-bool takesConnections() {
-  SilentConnection stranger;
-  stranger.connectTo(MURLINK_DISPLAY_HOST, 26711);
-  return stranger.isGreeted(seconds(1));
+// The kernel connects in any case; gRPC sends its settings when it accepts.
+bool acceptsConnections() {
+  return RawConnection(MURLINK_DISPLAY_HOST, 26711).receive(seconds(1));
 }
 
-TEST(UsedUpDescriptors, WhileServingAreForgottenAfterAnotherStart) {
+TEST(DescriptorExhaustion, WhileListeningIsOverAfterTheNextInitialize) {
   const int rounds = times(1, 50);
-  int deaf = 0;
+  int stopped_accepting = 0;
   SimulatorProcess peers({"--quiet"});
   for (int i = 0; i < rounds; ++i) {
     start();
     ASSERT_EQ(pressOf(peers), 0);
     {
-      SilentConnection stranger;
+      RawConnection refused;
       const UsedUpDescriptors none;
-      stranger.connectTo(MURLINK_DISPLAY_HOST, 26711);
-      EXPECT_EQ(pressOf(peers), 0);  // who is connected is heard
-      EXPECT_FALSE(stranger.isGreeted(std::chrono::milliseconds(100)));
+      refused.connectTo(MURLINK_DISPLAY_HOST, 26711);
+      EXPECT_EQ(pressOf(peers), 0);  // existing connections work
+      EXPECT_FALSE(refused.receive(std::chrono::milliseconds(100)));
     }
-    // gRPC 1.51 takes no connections any more, newer releases do.
-    deaf += takesConnections() ? 0 : 1;
+    // gRPC 1.51 never accepts connections again, newer releases do.
+    stopped_accepting += acceptsConnections() ? 0 : 1;
     EXPECT_EQ(pressOf(peers), 0);
-    ASSERT_EQ(finalize(), 0);
+    ASSERT_EQ(finalizeWatched(), 0);
 
     start();
-    EXPECT_EQ(pressOfAnother(), 0);
-    ASSERT_EQ(finalize(), 0);
+    EXPECT_EQ(pressOnNewConnection(), 0);
+    ASSERT_EQ(finalizeWatched(), 0);
   }
   figure("descriptors used up while listening, then freed", rounds,
-         std::to_string(deaf) +
-             " times deaf for new connections; connected recognisers always heard; all heard after "
+         std::to_string(stopped_accepting) +
+             " times no new connections were accepted; existing ones always worked; all work after "
              "finalise and initialise");
 }
 
-TEST(UsedUpDescriptors, DuringTheStartFailItOrLeaveItDeafAndAreForgottenAfterAnother) {
+TEST(DescriptorExhaustion, DuringInitializeIsOverAfterTheNextInitialize) {
   if (kChecksNeedDescriptors) {
     GTEST_SKIP() << "the sanitizer's own checks need descriptors";
   }
   constexpr int kEnough = 6;
   const int rounds = times(1, 50);
   SimulatorProcess peers({"--quiet"});
-  gesture_recognition_initialize();  // gRPC itself cannot begin without
+  gesture_recognition_initialize();  // gRPC's first use needs descriptors, or aborts
   for (int i = 0; i < rounds * kEnough && !HasFailure(); ++i) {
     const LogCapture log;
     int result = 0;
     {
       const UsedUpDescriptors all_but(i % kEnough);
-      result = initialize();
+      result = initializeWatched();
       EXPECT_THAT(result, AnyOf(FOOT_TOUCH_ERROR_NONE, FOOT_TOUCH_ERROR_NOT_INITIALIZED));
     }
     if (result == FOOT_TOUCH_ERROR_NONE) {
-      EXPECT_EQ(finalize(), 0);
+      EXPECT_EQ(finalizeWatched(), 0);
     } else {
       EXPECT_THAT(log.lines(),
                   ::testing::Contains(errorLine("GrpcServer.cpp: initialize",
                                                 "failed to sync address with tv server")));
     }
     start();
-    EXPECT_EQ(pressOfAnother(), 0);
-    EXPECT_EQ(finalize(), 0);
+    EXPECT_EQ(pressOnNewConnection(), 0);
+    EXPECT_EQ(finalizeWatched(), 0);
   }
   figure("descriptors used up, or up to 5 left, during initialise", rounds * kEnough,
-         "no crash; all heard after the next start");
+         "no crash; presses arrive after the next initialise");
 }
 
-TEST(UsedUpDescriptors, DuringACallFailItUnlessItIsConnected) {
+TEST(DescriptorExhaustion, DuringACallFailsItUnlessConnected) {
   if (kChecksNeedDescriptors) {
     GTEST_SKIP() << "the sanitizer's own checks need descriptors";
   }
@@ -179,7 +167,7 @@ TEST(UsedUpDescriptors, DuringACallFailItUnlessItIsConnected) {
     EXPECT_TRUE(within10s([] { return gesture_recognition_initialize() <= 1; }));
   }
   figure("descriptors used up during calls", rounds,
-         "connected: they succeed; else CONNECTION_FAILED, and they succeed again afterwards");
+         "succeed when connected, else CONNECTION_FAILED; succeed again afterwards");
 }
 
 }  // namespace

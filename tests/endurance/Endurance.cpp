@@ -32,7 +32,7 @@ void figure(const std::string& tried, long times, const std::string& seen) {
 Watchdog::Watchdog(std::string what, std::chrono::milliseconds limit)
     : thread_([this, what = std::move(what), limit] {
         std::unique_lock<std::mutex> lock(mutex_);
-        if (!changed_.wait_for(lock, limit, [this] { return called_off_; })) {
+        if (!changed_.wait_for(lock, limit, [this] { return stopped_; })) {
           std::cerr << what << " has not ended after " << limit.count() << " ms" << std::endl;
           std::abort();
         }
@@ -41,7 +41,7 @@ Watchdog::Watchdog(std::string what, std::chrono::milliseconds limit)
 Watchdog::~Watchdog() {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    called_off_ = true;
+    stopped_ = true;
   }
   changed_.notify_all();
   thread_.join();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The two sizes of an endurance test, and its figures. scripts/test runs the short ones;
-// scripts/soak sets MURLINK_SOAK_MINUTES, and with it the long ones.
+// The two sizes of an endurance test, and its figures. scripts/test runs the short size;
+// scripts/soak sets MURLINK_SOAK_MINUTES, which selects the long one.
 #ifndef MURLINK_TESTS_ENDURANCE_H
 #define MURLINK_TESTS_ENDURANCE_H
 
@@ -10,17 +10,20 @@
 #include <string>
 #include <thread>
 
-// How often to try in a run of this size.
+// What a slow machine may add to the library's own time limits.
+constexpr std::chrono::seconds kMargin{1};
+
+// How many rounds to run in this size.
 int times(int short_run, int long_run);
 
-// How long to go on: `short_run`, or the minutes that the long run was given.
+// How long to run: `short_run`, or MURLINK_SOAK_MINUTES.
 std::chrono::seconds lasting(std::chrono::seconds short_run);
 
 // Adds a row to the table of figures: what was tried, how often, and what was seen. Prints it, and
 // appends it as a row of Markdown to the file that MURLINK_FIGURES names.
 void figure(const std::string& tried, long times, const std::string& seen);
 
-// Ends the process with a word on standard error when it is still alive after `limit`: for calls
+// Aborts the process with a message on standard error when it lives longer than `limit`: for calls
 // that must not hang, which nothing else could end.
 class Watchdog {
  public:
@@ -32,7 +35,7 @@ class Watchdog {
  private:
   std::mutex mutex_;
   std::condition_variable changed_;
-  bool called_off_ = false;
+  bool stopped_ = false;
   std::thread thread_;
 };
 

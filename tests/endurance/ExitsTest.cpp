@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every way out of an application, without finalising and while presses arrive at full speed: it
-// ends as it meant to, and at once. On its way it may have loaded the library as a plug-in, started
-// another program, or have names in common with the library.
+// Every way to end an application without finalising, while presses arrive at full speed: it ends at
+// once and with its own exit code. Before, it may have loaded the library as a plug-in or started
+// another program, and it may define the same names as the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -14,6 +14,7 @@
 
 #include "Endurance.h"
 #include "support/Conversation.h"
+#include "support/Elapsed.h"
 #include "support/Listener.h"
 #include "support/RecogniserProcess.h"
 #include "support/Resources.h"
@@ -26,32 +27,32 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// A sanitizer looks through all memory before it lets a process go.
-constexpr milliseconds kGoneWithin{kMemoryIsOurs ? 1000 : 10000};
+// A sanitizer scans all memory when a process ends.
+constexpr milliseconds kEndLimit{kMemoryIsOurs ? 1000 : 10000};
 
-// The peers, and a second recogniser, each pressing as fast as it is answered.
-class Pressed {
+// The peers and a second recogniser, each of which presses as fast as it is answered.
+class PressingPeers {
  public:
-  // An application that is being pressed; the presses go on after it has ended.
+  // An application that is pressed from its start until after its end.
   class Application : public Conversation {
    public:
-    Application(Pressed& pressed, const std::vector<std::string>& command)
-        : Conversation(command), presses_(pressed.press()) {}
+    Application(PressingPeers& peers, const std::vector<std::string>& command)
+        : Conversation(command), presses_(peers.press()) {}
 
-    // How long it took to be gone after it had said that it leaves.
-    milliseconds leave(int& exit_code) {
+    // Returns how long it takes to end after it has printed that it does.
+    milliseconds waitForEnd(int& exit_code) {
       waitFor("leaving");
-      const auto left = steady_clock::now();
+      const auto start = steady_clock::now();
       exit_code = end();
-      return std::chrono::ceil<milliseconds>(steady_clock::now() - left);
+      return elapsedSince(start);
     }
 
    private:
     std::vector<std::future<void>> presses_;
   };
 
-  // Who does not finalise leaves threads behind, which ThreadSanitizer takes for a fault.
-  Pressed() {
+  // An application that does not finalise ends with running threads, which ThreadSanitizer reports.
+  PressingPeers() {
     const char* const options = std::getenv("TSAN_OPTIONS");
     const std::string all =
         std::string(options != nullptr ? options : "") + " report_thread_leaks=0";
@@ -87,50 +88,54 @@ struct Exit {
 
 class Application : public ::testing::TestWithParam<Exit> {};
 
-TEST_P(Application, EndsAsItMeansToWhilePressesArrive) {
+TEST_P(Application, EndsWithItsOwnExitCodeWhilePressesArrive) {
   const int runs = times(100, 1'000);
-  Pressed pressed;
+  PressingPeers peers;
   milliseconds longest{0};
   for (int i = 0; i < runs; ++i) {
-    pressed.reset();
+    peers.reset();
     int exit_code = -1;
 
     const milliseconds duration =
-        Pressed::Application(pressed, GetParam().command).leave(exit_code);
+        PressingPeers::Application(peers, GetParam().command).waitForEnd(exit_code);
 
     ASSERT_EQ(exit_code, GetParam().exit_code) << "run " << i;
-    ASSERT_LE(duration, kGoneWithin) << "run " << i;
+    ASSERT_LE(duration, kEndLimit) << "run " << i;
     longest = std::max(longest, duration);
   }
   figure(std::string("end while presses arrive: ") + GetParam().name, runs,
-         "exit code as meant; gone within " + std::to_string(longest.count()) + " ms");
+         "its own exit code; ended within " + std::to_string(longest.count()) + " ms");
 }
 
-constexpr int kMeant = 7;
+constexpr int kOwnExitCode = 7;
 constexpr int kAborted = 128 + SIGABRT;
 constexpr int kKilled = 128 + SIGKILL;
 
 INSTANTIATE_TEST_SUITE_P(
-    Leaving, Application,
+    Ended, Application,
     ::testing::Values(
-        Exit{"ByReturnFromMain", {EXIT_PROBE, "main", "return"}, kMeant},
-        Exit{"ByExitInAnotherThread", {EXIT_PROBE, "thread", "exit"}, kMeant},
-        Exit{"ByQuickExit", {EXIT_PROBE, "main", "quick_exit"}, kMeant},
-        Exit{"ByUnderscoreExit", {EXIT_PROBE, "main", "_exit"}, kMeant},
-        Exit{"WhileAnotherThreadUsesGestures", {EXIT_PROBE, "main", "return", "gesture"}, kMeant},
+        Exit{"ByReturnFromMain", {EXIT_PROBE, "main", "return"}, kOwnExitCode},
+        Exit{"ByExitInAnotherThread", {EXIT_PROBE, "thread", "exit"}, kOwnExitCode},
+        Exit{"ByQuickExit", {EXIT_PROBE, "main", "quick_exit"}, kOwnExitCode},
+        Exit{"ByUnderscoreExit", {EXIT_PROBE, "main", "_exit"}, kOwnExitCode},
+        Exit{"WhileAnotherThreadUsesGestures",
+             {EXIT_PROBE, "main", "return", "gesture"},
+             kOwnExitCode},
         Exit{"WhileAnotherThreadUsesFootTouch",
              {EXIT_PROBE, "main", "return", "foot_touch"},
-             kMeant},
-        Exit{"WhileAnotherThreadCyclesFootTouch", {EXIT_PROBE, "main", "return", "cycles"}, kMeant},
-        Exit{"AfterUnloadingTheLibrary", {RELOAD_PROBE, MURLINK_LIBRARY, "pressed"}, kMeant},
-        Exit{"WithNamesOfTheLibrary", {NAMESAKES}, kMeant}),
+             kOwnExitCode},
+        Exit{"WhileAnotherThreadRestartsFootTouch",
+             {EXIT_PROBE, "main", "return", "cycles"},
+             kOwnExitCode},
+        Exit{"AfterUnloadingTheLibrary", {RELOAD_PROBE, MURLINK_LIBRARY, "pressed"}, kOwnExitCode},
+        Exit{"WithTheSameNamesAsTheLibrary", {NAMESAKES}, kOwnExitCode}),
     rowName<Exit>);
 
 INSTANTIATE_TEST_SUITE_P(
-    LeavingInTheCallback, Application,
-    ::testing::Values(Exit{"ByExit", {EXIT_PROBE, "callback", "exit"}, kMeant},
-                      Exit{"ByQuickExit", {EXIT_PROBE, "callback", "quick_exit"}, kMeant},
-                      Exit{"ByUnderscoreExit", {EXIT_PROBE, "callback", "_exit"}, kMeant},
+    EndedInTheCallback, Application,
+    ::testing::Values(Exit{"ByExit", {EXIT_PROBE, "callback", "exit"}, kOwnExitCode},
+                      Exit{"ByQuickExit", {EXIT_PROBE, "callback", "quick_exit"}, kOwnExitCode},
+                      Exit{"ByUnderscoreExit", {EXIT_PROBE, "callback", "_exit"}, kOwnExitCode},
                       Exit{"ByAbort", {EXIT_PROBE, "callback", "abort"}, kAborted},
                       Exit{"ByKill", {EXIT_PROBE, "callback", "kill"}, kKilled}),
     rowName<Exit>);
@@ -144,30 +149,30 @@ bool canListen() {
   }
 }
 
-// How long the address for presses stays taken, at most 10 s.
-milliseconds untilFree() {
+// How long the port for presses stays taken, 10 s at most.
+milliseconds timeUntilFree() {
   const auto start = steady_clock::now();
   EXPECT_TRUE(within10s(canListen));
-  return std::chrono::ceil<milliseconds>(steady_clock::now() - start);
+  return elapsedSince(start);
 }
 
-TEST(ProgramThatAnApplicationLeaves, KeepsNothingOfItsFootTouch) {
+TEST(ChildOfAnApplication, InheritsNothingOfTheLibrary) {
   const int runs = times(100, 1'000);
-  Pressed pressed;
+  PressingPeers peers;
   milliseconds longest{0};
   for (int i = 0; i < runs; ++i) {
-    pressed.reset();
-    Pressed::Application application(pressed, {EXIT_PROBE, "main", "child"});
+    peers.reset();
+    PressingPeers::Application application(peers, {EXIT_PROBE, "main", "child"});
 
     application.waitFor("child has");
 
-    longest = std::max(longest, untilFree());  // while the other program runs, until end()
-    ASSERT_LE(longest, kGoneWithin) << "run " << i;
-    ASSERT_EQ(application.end(), kMeant) << "run " << i;
+    longest = std::max(longest, timeUntilFree());  // while the child runs, until end()
+    ASSERT_LE(longest, kEndLimit) << "run " << i;
+    ASSERT_EQ(application.end(), kOwnExitCode) << "run " << i;
     ASSERT_THAT(application.output(), ::testing::HasSubstr("child has 0 more")) << "run " << i;
   }
-  figure("fork and exec of a program that lives on", runs,
-         "it has got no descriptor; the address is free after " + std::to_string(longest.count()) +
+  figure("fork and exec of a child that outlives the application", runs,
+         "it inherits no descriptor; the port is free after " + std::to_string(longest.count()) +
              " ms at most");
 }
 

@@ -14,27 +14,27 @@
 
 namespace {
 
-std::atomic<int> left{0};  // until one fails; 0: none will
+std::atomic<int> left{0};  // until one fails; 0: none does
 std::atomic<bool> failed{false};
-thread_local bool looking = false;
+thread_local bool inside = false;  // backtrace() may allocate
 
-// Where a shared library lies in memory.
-struct Place {
+// Where a shared library is mapped.
+struct Mapping {
   const char* library;
   std::uintptr_t begin = 0;
   std::uintptr_t end = 0;
 
-  bool holds(const void* address) const {
+  bool contains(const void* address) const {
     const auto at = reinterpret_cast<std::uintptr_t>(address);
     return begin <= at && at < end;
   }
 };
 
-Place robot{"libmurlink-robot.so"};
-Place standard{"libstdc++.so"};
+Mapping robot{"libmurlink-robot.so"};
+Mapping standard{"libstdc++.so"};
 
-int note(dl_phdr_info* found, std::size_t /*size*/, void* place) {
-  auto& wanted = *static_cast<Place*>(place);
+int locate(dl_phdr_info* found, std::size_t /*size*/, void* mapping) {
+  auto& wanted = *static_cast<Mapping*>(mapping);
   if (std::strstr(found->dlpi_name, wanted.library) != nullptr) {
     wanted.begin = found->dlpi_addr;
     for (int i = 0; i < found->dlpi_phnum; ++i) {
@@ -46,31 +46,31 @@ int note(dl_phdr_info* found, std::size_t /*size*/, void* place) {
   return 0;
 }
 
-// Whether the library asks, itself or through the standard library's code.
-bool libraryAsks(const void* caller) {
-  if (!standard.holds(caller)) {
-    return robot.holds(caller);
+// Whether the library allocates, itself or through the standard library's code.
+bool libraryAllocates(const void* caller) {
+  if (!standard.contains(caller)) {
+    return robot.contains(caller);
   }
   std::array<void*, 16> frames{};
   const int depth = backtrace(frames.data(), static_cast<int>(frames.size()));
   bool within = false;
   for (int i = 0; i < depth; ++i) {
     const void* const frame = frames.at(static_cast<std::size_t>(i));
-    if (within && !standard.holds(frame)) {
-      return robot.holds(frame);
+    if (within && !standard.contains(frame)) {
+      return robot.contains(frame);
     }
-    within = standard.holds(frame);
+    within = standard.contains(frame);
   }
   return false;
 }
 
 bool mustFail(const void* caller) {
-  if (left <= 0 || looking) {
+  if (left <= 0 || inside) {
     return false;
   }
-  looking = true;
-  const bool fails = libraryAsks(caller) && left.fetch_sub(1) == 1;
-  looking = false;
+  inside = true;
+  const bool fails = libraryAllocates(caller) && left.fetch_sub(1) == 1;
+  inside = false;
   if (fails) {
     failed = true;
   }
@@ -82,8 +82,8 @@ bool mustFail(const void* caller) {
 void failAllocation(int nth) {
   std::array<void*, 1> frame{};
   backtrace(frame.data(), 1);  // the first use loads a library, and allocates
-  dl_iterate_phdr(note, &robot);
-  dl_iterate_phdr(note, &standard);
+  dl_iterate_phdr(locate, &robot);
+  dl_iterate_phdr(locate, &standard);
   failed = false;
   left = nth;
 }
@@ -102,7 +102,7 @@ bool allocationFailed() {
   return memory;
 }
 
-// A sanitizer would take this one for its own, and then miss it in `delete`.
+// Replaced as well, or a sanitizer would allocate here and `delete` below would free.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   return std::malloc(size == 0 ? 1 : size);
 }

@@ -7,7 +7,7 @@ unsigned FrameMutator::below(std::size_t limit) {
   return static_cast<unsigned>(random_() % limit);
 }
 
-// Every kind that there is, on a few streams, so that they often belong together.
+// Any kind, on few streams, so that frames often meet on the same one.
 Frame FrameMutator::someFrame() {
   const std::uint32_t stream = 2 * below(8) + 1;
   const std::vector<Frame> call = http2::call("service_On", stream, http2::intMessage(5));
@@ -71,8 +71,8 @@ void FrameMutator::mutate(Frame& frame) {
   }
 }
 
-// One frame in four is changed; one in 50 after its length was set, so that all that follows is out
-// of step.
+// Changes one frame in four; and one in 50 after its length was set, so that the server misreads all
+// frames behind it.
 std::string FrameMutator::conversation(int frames) {
   std::string all = http2::greeting();
   for (int i = 0; i < frames; ++i) {

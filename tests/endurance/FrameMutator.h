@@ -8,13 +8,13 @@
 
 #include "support/Http2Frames.h"
 
-// Makes HTTP/2 conversations that are nearly right: valid frames, of which some are changed. The
-// same seed gives the same ones.
+// Makes almost valid HTTP/2 conversations: some of their frames are changed. The same seed gives
+// the same conversations.
 class FrameMutator {
  public:
   explicit FrameMutator(unsigned seed) : random_(seed) {}
 
-  // A client's side of a connection, `frames` long, as it goes over the wire.
+  // The bytes that a client sends on one connection.
   std::string conversation(int frames);
 
  private:

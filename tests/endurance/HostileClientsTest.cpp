@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Clients that keep to no rule, on the port where the library listens: true presses arrive all the
-// same, and nothing is left behind.
+// Clients that break the protocol or exhaust the server, on the library's port: the presses of a
+// regular recogniser still arrive, and nothing leaks.
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/resource.h>
@@ -10,8 +10,9 @@
 #include <thread>
 
 #include "Attacks.h"
-#include "Endurance.h"
-#include "Held.h"
+#include "ResourceBaseline.h"
+#include "WatchedFootTouch.h"
+#include "support/Elapsed.h"
 #include "support/Http2Frames.h"
 #include "support/Resources.h"
 #include "support/RowName.h"
@@ -23,21 +24,21 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-// The ids of true presses; hostile frames that happen to be valid have small ones.
-constexpr int kFirstTrueId = 1 << 28;
+// The ids of regular presses; hostile frames that happen to be valid have small ones.
+constexpr int kFirstRegularId = 1 << 28;
 
 // A recogniser that presses and releases, one button after the other, while it lives.
-class TrueRecogniser {
+class RegularRecogniser {
  public:
-  explicit TrueRecogniser(SimulatorProcess& peers)
-      : peers_(peers), thread_([this] { pressUntilToldToStop(); }) {}
-  ~TrueRecogniser() { stop(); }
-  TrueRecogniser(const TrueRecogniser&) = delete;
-  TrueRecogniser& operator=(const TrueRecogniser&) = delete;
+  explicit RegularRecogniser(SimulatorProcess& peers)
+      : peers_(peers), thread_([this] { pressUntilStopped(); }) {}
+  ~RegularRecogniser() { stop(); }
+  RegularRecogniser(const RegularRecogniser&) = delete;
+  RegularRecogniser& operator=(const RegularRecogniser&) = delete;
 
   // Returns how many buttons it has pressed and released.
   int stop() {
-    ended_ = true;
+    stopped_ = true;
     if (thread_.joinable()) {
       thread_.join();
     }
@@ -47,30 +48,29 @@ class TrueRecogniser {
 
  private:
   SimulatorProcess& peers_;
-  std::atomic<bool> ended_{false};
+  std::atomic<bool> stopped_{false};
   int pressed_ = 0;
   milliseconds slowest_{0};
   std::thread thread_;
 
-  void pressUntilToldToStop() {
+  void pressUntilStopped() {
     do {
-      const std::string id = std::to_string(kFirstTrueId + pressed_);
+      const std::string id = std::to_string(kFirstRegularId + pressed_);
       report("press " + id);
       report("release " + id);
       ++pressed_;
-      std::this_thread::sleep_for(milliseconds(5));  // or it would be a flood of its own
-    } while (!ended_);
+      std::this_thread::sleep_for(milliseconds(5));  // a moderate load
+    } while (!stopped_);
   }
 
   void report(const std::string& command) {
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(peers_.command(command).value("s", -1), 0) << command;
-    slowest_ = std::max(slowest_, std::chrono::duration_cast<milliseconds>(
-                                      std::chrono::steady_clock::now() - start));
+    slowest_ = std::max(slowest_, elapsedSince(start));
   }
 };
 
-struct Row {
+struct AttackRow {
   const char* name;
   const char* tried;
   void (*attack)(int times);
@@ -78,7 +78,7 @@ struct Row {
   int long_run;
 };
 
-class HostileClients : public RunningFootTouch, public ::testing::WithParamInterface<Row> {
+class HostileClients : public RunningFootTouch, public ::testing::WithParamInterface<AttackRow> {
  protected:
   static void SetUpTestSuite() {
     rlimit limit{};
@@ -87,18 +87,18 @@ class HostileClients : public RunningFootTouch, public ::testing::WithParamInter
     setrlimit(RLIMIT_NOFILE, &limit);
   }
 
-  HostileClients() { foot_touch_set_button_cb(noteTrueOnes, &log); }
+  HostileClients() { foot_touch_set_button_cb(noteRegular, &log); }
 
-  static void noteTrueOnes(int id, int state, void* log) {
-    if (id >= kFirstTrueId) {
+  static void noteRegular(int id, int state, void* log) {
+    if (id >= kFirstRegularId) {
       PressLog::note(id, state, log);
     }
   }
 
-  // Each true press and release once, in order: one recogniser waits for the answer to each.
+  // Each regular press and release once, in order: the recogniser waits for each answer.
   void expectDelivered(int buttons) const {
     std::vector<Press> expected;
-    for (int id = kFirstTrueId; id < kFirstTrueId + buttons; ++id) {
+    for (int id = kFirstRegularId; id < kFirstRegularId + buttons; ++id) {
       expected.push_back({id, 1});
       expected.push_back({id, 0});
     }
@@ -106,26 +106,23 @@ class HostileClients : public RunningFootTouch, public ::testing::WithParamInter
   }
 };
 
-TEST_P(HostileClients, HinderNoPressAndLeaveNothingBehind) {
+TEST_P(HostileClients, DelayNoPressForLongAndLeakNothing) {
   const int count = times(GetParam().short_run, GetParam().long_run);
   peers.command("press 1");
-  const Held before;
+  const ResourceBaseline before;
   const long memory_before = residentKiB();
-  TrueRecogniser recogniser(peers);
+  RegularRecogniser recogniser(peers);
 
   GetParam().attack(count);
 
   const long highest = residentKiB() - memory_before;
   const int pressed = recogniser.stop();
   expectDelivered(pressed);
-  {
-    const Watchdog watchdog("foot_touch_finalize()", seconds(30));
-    EXPECT_EQ(foot_touch_finalize(), 0);
-  }
-  before.expectBack(threadsThatGrpcKeeps());
+  EXPECT_EQ(finalizeWatched(), 0);
+  before.expectReleased(threadsThatGrpcKeeps());
   long growth = 0;
   const bool is_free = within10s([&] {
-    malloc_trim(0);  // what the allocator keeps at hand is not held by anybody
+    malloc_trim(0);  // the allocator's free memory does not count
     growth = residentKiB() - memory_before;
     return growth <= 32 * 1024;
   });
@@ -134,64 +131,63 @@ TEST_P(HostileClients, HinderNoPressAndLeaveNothingBehind) {
   }
   figure(GetParam().tried, count,
          std::to_string(2 * pressed) +
-             " true reports meanwhile, each delivered once, the slowest in " +
+             " regular reports meanwhile, each delivered once, the slowest in " +
              std::to_string(recogniser.slowest().count()) + " ms; memory " +
-             std::to_string(highest / 1024) + " MiB up at the end of it and " +
+             std::to_string(highest / 1024) + " MiB up at its end and " +
              std::to_string(growth / 1024) + " MiB after finalise");
 }
 
 INSTANTIATE_TEST_SUITE_P(
     All, HostileClients,
     ::testing::Values(
-        Row{"Idle", "idle connections, 1,000 at once", holdIdleConnections, 1'000, 10'000},
-        Row{"HalfPreface", "half prefaces, 1,000 at once", sendHalfPrefaces, 1'000, 10'000},
-        Row{"RandomBytes", "connections with random bytes", sendRandomBytes, 500, 20'000},
-        Row{"MutatedFrames", "mutated HTTP/2 frames", sendMutatedFrames, 10'000, 1'000'000},
-        Row{"Http1", "HTTP/1 requests", sendHttp1Requests, 500, 20'000},
-        Row{"UnknownMethods", "calls of unknown methods", callUnknownMethods, 2'000, 100'000},
-        Row{"LargeMessages", "messages of 4 MiB and a byte", sendLargeMessages, 20, 1'000},
-        Row{"AnnouncedMessages", "messages announced as 4 GiB", announceLargeMessages, 1'000,
-            100'000},
-        Row{"ManyHeaders", "calls with 400 headers", sendManyHeaders, 500, 20'000},
-        Row{"EndlessHeaders", "headers of 8 MiB", continueHeadersForever, 5, 500},
-        Row{"RapidReset", "calls reset at once", resetStreamsAtOnce, 10'000, 50'000},
-        Row{"OpenStreams", "calls that say nothing", keepStreamsOpen, 10'000, 50'000},
-        Row{"Flood", "pings and settings", flood, 50'000, 500'000}),
-    rowName<Row>);
+        AttackRow{"Idle", "idle connections, 1,000 at once", holdIdleConnections, 1'000, 10'000},
+        AttackRow{"HalfPreface", "half prefaces, 1,000 at once", sendHalfPrefaces, 1'000, 10'000},
+        AttackRow{"RandomBytes", "connections with random bytes", sendRandomBytes, 500, 20'000},
+        AttackRow{"MutatedFrames", "mutated HTTP/2 frames", sendMutatedFrames, 10'000, 1'000'000},
+        AttackRow{"Http1", "HTTP/1 requests", sendHttp1Requests, 500, 20'000},
+        AttackRow{"UnknownMethods", "calls of unknown methods", callUnknownMethods, 2'000, 100'000},
+        AttackRow{"LargeMessages", "messages of 4 MiB and a byte", sendLargeMessages, 20, 1'000},
+        AttackRow{"AnnouncedMessages", "messages announced as 4 GiB", announceLargeMessages, 1'000,
+                  100'000},
+        AttackRow{"ManyHeaders", "calls with 400 headers", sendManyHeaders, 500, 20'000},
+        AttackRow{"EndlessHeaders", "headers of 8 MiB", continueHeadersForever, 5, 500},
+        AttackRow{"RapidReset", "calls reset at once", resetStreamsAtOnce, 10'000, 50'000},
+        AttackRow{"OpenStreams", "calls without a message", keepStreamsOpen, 10'000, 50'000},
+        AttackRow{"Flood", "pings and settings", flood, 50'000, 500'000}),
+    rowName<AttackRow>);
 
-// ---- At the end
+// ---- When foot touch is finalised
 
-struct Unfinished {
+struct UnfinishedRow {
   const char* name;
-  std::string text;
+  std::string bytes;
 };
 
-class HalfSaid : public RunningFootTouch, public ::testing::WithParamInterface<Unfinished> {};
+class UnfinishedClient : public RunningFootTouch,
+                         public ::testing::WithParamInterface<UnfinishedRow> {};
 
-TEST_P(HalfSaid, DoesNotKeepFinaliseWaiting) {
-  const auto connections = opened(10, GetParam().text);
-  peers.command("press 1");  // the server has turned to what came before
-  const Watchdog watchdog("foot_touch_finalize()", seconds(20));
+TEST_P(UnfinishedClient, DoesNotBlockFinalize) {
+  const auto connections = opened(10, GetParam().bytes);
+  peers.command("press 1");  // the server has handled what was sent before
   const auto start = std::chrono::steady_clock::now();
 
-  EXPECT_EQ(foot_touch_finalize(), 0);
+  EXPECT_EQ(finalizeWatched(), 0);
 
-  const auto took =
-      std::chrono::duration_cast<milliseconds>(std::chrono::steady_clock::now() - start);
+  const milliseconds took = elapsedSince(start);
   EXPECT_LT(took, seconds(4));  // the server would close some of them by itself after 5 s
-  figure(std::string("finalise while a client holds ") + GetParam().name, 10,
+  figure(std::string("finalise while ten clients have sent: ") + GetParam().name, 10,
          std::to_string(took.count()) + " ms");
 }
 
-void takeTime(int /*id*/, int /*state*/, void* entered) {
+void blockBriefly(int /*id*/, int /*state*/, void* entered) {
   static_cast<std::promise<void>*>(entered)->set_value();
-  std::this_thread::sleep_for(milliseconds(2500));  // longer than silent clients are waited for
+  std::this_thread::sleep_for(milliseconds(2500));  // longer than the grace period of idle clients
 }
 
-TEST_F(RunningFootTouch, AnswersAtItsEndThePressWhoseCallbackTakesItsTime) {
-  const auto silent = opened(10, "");
+TEST_F(RunningFootTouch, AnswersAPressWhoseCallbackRunsDuringFinalize) {
+  const auto idle = opened(10, "");
   std::promise<void> entered;
-  foot_touch_set_button_cb(takeTime, &entered);
+  foot_touch_set_button_cb(blockBriefly, &entered);
   auto pressing = std::async(std::launch::async, [this] { return peers.command("press 1"); });
   ASSERT_EQ(entered.get_future().wait_for(seconds(10)), std::future_status::ready);
 
@@ -200,22 +196,23 @@ TEST_F(RunningFootTouch, AnswersAtItsEndThePressWhoseCallbackTakesItsTime) {
   EXPECT_EQ(pressing.get().value("s", -1), 0);
 }
 
-std::string begun(const std::vector<http2::Frame>& frames) {
+std::string greetingAnd(const std::vector<http2::Frame>& frames) {
   return http2::greeting() + http2::bytes(frames);
 }
 
-const http2::Frame kBegin = http2::call("service_On", 1, "")[0];
+const http2::Frame kCallHeaders = http2::call("service_On", 1, "")[0];
 
 INSTANTIATE_TEST_SUITE_P(
-    All, HalfSaid,
+    Sent, UnfinishedClient,
     ::testing::Values(
-        Unfinished{"Nothing", ""}, Unfinished{"HalfPreface", http2::kPreface.substr(0, 12)},
-        Unfinished{"Greeting", begun({})},
-        Unfinished{"HalfHeaders", begun({{http2::kHeaders, http2::kNone, 1, kBegin.payload}})},
-        Unfinished{"CallWithoutMessage", begun({kBegin})},
-        Unfinished{
-            "HalfMessage",
-            begun({kBegin, {http2::kData, http2::kNone, 1, http2::message("xx").substr(0, 6)}})}),
-    rowName<Unfinished>);
+        UnfinishedRow{"Nothing", ""}, UnfinishedRow{"HalfPreface", http2::kPreface.substr(0, 12)},
+        UnfinishedRow{"Greeting", greetingAnd({})},
+        UnfinishedRow{"HalfHeaders",
+                      greetingAnd({{http2::kHeaders, http2::kNone, 1, kCallHeaders.payload}})},
+        UnfinishedRow{"CallWithoutMessage", greetingAnd({kCallHeaders})},
+        UnfinishedRow{"HalfMessage", greetingAnd({kCallHeaders,
+                                                  {http2::kData, http2::kNone, 1,
+                                                   http2::message("xx").substr(0, 6)}})}),
+    rowName<UnfinishedRow>);
 
 }  // namespace

@@ -21,32 +21,31 @@ using std::chrono::milliseconds;
 
 Outcome outcomeOf(const Trial& trial) {
   std::vector<std::string> command{OUTGOING_CALL, trial.call->name};
-  command.insert(command.end(), trial.circumstances.begin(), trial.circumstances.end());
+  command.insert(command.end(), trial.arguments.begin(), trial.arguments.end());
   const Finished finished = runToEnd(command, {}, std::chrono::seconds(60));
   Outcome outcome;
   outcome.trial = trial;
   outcome.exit_code = finished.exit_code;
   long took = 0;
-  long machine_late = 0;
+  long wakeup_delay = 0;
   std::istringstream words(finished.out);
-  words >> outcome.result >> took >> machine_late;
+  words >> outcome.result >> took >> wakeup_delay;
   outcome.took = microseconds(took);
-  outcome.machine_late = microseconds(machine_late);
+  outcome.wakeup_delay = microseconds(wakeup_delay);
   outcome.log = finished.out + finished.err;
   return outcome;
 }
 
-// More wants to run than can, for a minute at least; or a sanitizer makes everything slow.
+// More threads are ready than there are processors, or a sanitizer is at work.
 bool isSlow() {
   double load = 0;
   getloadavg(&load, 1);
   return !kMemoryIsOurs || load > std::thread::hardware_concurrency();
 }
 
-// A machine that wakes a mere sleeper up late does so for each thread that an answer passes
-// through.
+// An answer passes through several threads, each of which the machine may wake up late.
 microseconds allowedOverrun(const Outcome& outcome) {
-  return milliseconds(isSlow() ? 1000 : 100) + 4 * outcome.machine_late;
+  return milliseconds(isSlow() ? 1000 : 100) + 4 * outcome.wakeup_delay;
 }
 
 std::string inMilliseconds(microseconds duration) {
@@ -58,7 +57,7 @@ std::string inMilliseconds(microseconds duration) {
 }  // namespace
 
 std::vector<Outcome> outcomesOf(const std::vector<Trial>& trials) {
-  // What a sanitizer makes slow must not keep peers from answering in time.
+  // A sanitizer slows everything down, and peers must still answer in time.
   const int at_once = kMemoryIsOurs ? 10 : 3;
   std::vector<Outcome> outcomes(trials.size());
   std::atomic<std::size_t> next{0};
@@ -89,15 +88,15 @@ void expectFailureInTime(const Outcome& outcome, milliseconds later) {
 std::string summary(const std::vector<Outcome>& outcomes) {
   microseconds longest{0};
   microseconds longest_overrun = std::chrono::hours(-1);
-  microseconds machine_late{0};
+  microseconds wakeup_delay{0};
   for (const Outcome& outcome : outcomes) {
     longest = std::max(longest, outcome.took);
     longest_overrun = std::max(longest_overrun, outcome.overrun());
-    machine_late = std::max(machine_late, outcome.machine_late);
+    wakeup_delay = std::max(wakeup_delay, outcome.wakeup_delay);
   }
   return (longest_overrun < milliseconds(-5)
               ? "none reached its deadline; the longest took " + inMilliseconds(longest)
               : "longest overrun " + inMilliseconds(longest_overrun)) +
-         "; the machine itself was late by " + inMilliseconds(machine_late) +
-         (isSlow() ? " and busy" : "");
+         "; the machine woke a sleeping thread up to " + inMilliseconds(wakeup_delay) + " late" +
+         (isSlow() ? " and was overloaded" : "");
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What became of outgoing calls that were each made by a process of its own, see outgoing_call.cpp.
-// Only where processes can have networks of their own.
+// The results of outgoing calls, each made by a process of its own: see outgoing_call.cpp. Only where
+// the kernel permits processes to have networks of their own.
 #ifndef MURLINK_TESTS_OUTCOMES_H
 #define MURLINK_TESTS_OUTCOMES_H
 
@@ -10,10 +10,10 @@
 
 #include "OutgoingCalls.h"
 
-// A call, and what outgoing_call is told beside its name.
+// A call, and the arguments of outgoing_call behind its name.
 struct Trial {
   const OutgoingCall* call = nullptr;
-  std::vector<std::string> circumstances;
+  std::vector<std::string> arguments;
 };
 
 struct Outcome {
@@ -21,7 +21,7 @@ struct Outcome {
   int exit_code = 0;
   int result = 0;
   std::chrono::microseconds took{0};
-  std::chrono::microseconds machine_late{0};
+  std::chrono::microseconds wakeup_delay{0};  // of the machine itself
   std::string log;
 
   std::chrono::microseconds overrun() const { return took - trial.call->deadline; }
@@ -30,14 +30,14 @@ struct Outcome {
   }
 };
 
-// Carries all of them out, several at once: most only wait.
+// Makes all calls, several at once: most only wait.
 std::vector<Outcome> outcomesOf(const std::vector<Trial>& trials);
 
-// That the call ended by its deadline, or so much later, and with the failure that fits the moment.
+// The call ended by its deadline plus `later`, with the failure of a call that is late or not.
 void expectFailureInTime(const Outcome& outcome,
                          std::chrono::milliseconds later = std::chrono::milliseconds(0));
 
-// By how much calls overran, for figure().
+// By how much calls exceeded their deadlines, for figure().
 std::string summary(const std::vector<Outcome>& outcomes);
 
 #endif

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every call that the library makes to another process, as the function that an application calls.
+// Every call that the library makes to another process, by the public function that makes it.
 #ifndef MURLINK_TESTS_OUTGOING_CALLS_H
 #define MURLINK_TESTS_OUTGOING_CALLS_H
 
@@ -10,14 +10,14 @@
 
 enum class Side { Robot, Display };
 
-// Faults that are not words of the simulator's "fault".
+// Faults that the simulator's command `fault` does not have.
 constexpr const char* kHalfAnAnswer = "half";
 constexpr const char* kDroppedPackets = "dropped";
 constexpr const char* kLinkDown = "down";
 constexpr const char* kLargeAnswer = "large";
 constexpr const char* kNoProtobuf = "noise";
 
-// How a function says that a call has failed: its result, and the end of a line in the log.
+// How a function reports that a call has failed: its result, and the end of a log line.
 struct Failure {
   int result;
   const char* line;
@@ -27,7 +27,7 @@ struct OutgoingCall {
   const char* name;
   int (*function)();
   Side side;
-  bool needs_foot_touch;  // to be initialised before
+  bool needs_foot_touch;  // foot touch must be initialised first
   std::chrono::milliseconds deadline;
   Failure late;
   Failure failed;

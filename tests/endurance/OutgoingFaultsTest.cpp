@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whatever becomes of the peer or of the connection, a call ends by its deadline and says why.
+// Whatever happens to the peer or the connection, a call ends by its deadline and reports why.
 #include <gtest/gtest.h>
 
 #include "Endurance.h"
@@ -9,18 +9,18 @@
 
 namespace {
 
-// What a fault leads to. Either: it depends on whether the connection was open before.
+// When a call ends. Either: it depends on whether the connection was already open.
 enum class Ending { AtOnce, AtDeadline, Either };
 
-struct Fault {
+struct FaultRow {
   const char* name;
   const char* fault;
   Ending ending;
 };
 
-class OutgoingCalls : public ::testing::TestWithParam<Fault> {};
+class OutgoingCalls : public ::testing::TestWithParam<FaultRow> {};
 
-TEST_P(OutgoingCalls, EndByTheirDeadlineAndSayWhy) {
+TEST_P(OutgoingCalls, EndByTheirDeadlineAndReportWhy) {
   if (!kHaveOwnNetworks) {
     GTEST_SKIP() << kNoOwnNetwork;
   }
@@ -43,19 +43,19 @@ TEST_P(OutgoingCalls, EndByTheirDeadlineAndSayWhy) {
          summary(outcomes));
 }
 
-INSTANTIATE_TEST_SUITE_P(Under, OutgoingCalls,
-                         ::testing::Values(Fault{"Refusal", "refuse", Ending::AtOnce},
-                                           Fault{"DroppedPackets", kDroppedPackets,
-                                                 Ending::AtDeadline},
-                                           Fault{"LinkDown", kLinkDown, Ending::Either},
-                                           Fault{"Reset", "reset", Ending::AtOnce},
-                                           Fault{"Silence", "silent", Ending::AtDeadline},
-                                           Fault{"HalfAnAnswer", kHalfAnAnswer, Ending::AtDeadline},
-                                           Fault{"AByteASecond", "slow", Ending::AtDeadline},
-                                           Fault{"Garbage", "garbage", Ending::AtOnce},
-                                           Fault{"LargeAnswer", kLargeAnswer, Ending::AtOnce},
-                                           Fault{"NoProtobuf", kNoProtobuf, Ending::AtOnce},
-                                           Fault{"EndlessGoaway", "goaway", Ending::Either}),
-                         rowName<Fault>);
+INSTANTIATE_TEST_SUITE_P(
+    Under, OutgoingCalls,
+    ::testing::Values(FaultRow{"Refusal", "refuse", Ending::AtOnce},
+                      FaultRow{"DroppedPackets", kDroppedPackets, Ending::AtDeadline},
+                      FaultRow{"LinkDown", kLinkDown, Ending::Either},
+                      FaultRow{"Reset", "reset", Ending::AtOnce},
+                      FaultRow{"Silence", "silent", Ending::AtDeadline},
+                      FaultRow{"HalfAnAnswer", kHalfAnAnswer, Ending::AtDeadline},
+                      FaultRow{"AByteASecond", "slow", Ending::AtDeadline},
+                      FaultRow{"Garbage", "garbage", Ending::AtOnce},
+                      FaultRow{"LargeAnswer", kLargeAnswer, Ending::AtOnce},
+                      FaultRow{"NoProtobuf", kNoProtobuf, Ending::AtOnce},
+                      FaultRow{"EndlessGoaway", "goaway", Ending::Either}),
+    rowName<FaultRow>);
 
 }  // namespace

@@ -1,36 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
-// The processes that the library calls are killed and stopped, also in the middle of calls, and
-// come back: nothing crashes or hangs, and everything works again as soon as gRPC allows. Those
-// that call the library are covered by RecognisersTest.
+// The processes that the library calls are killed or stopped, also during calls, and come back:
+// nothing crashes or hangs, and calls succeed again within gRPC's back-off. RecognisersTest covers
+// the processes that call the library.
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <csignal>
 #include <future>
 #include <memory>
-#include <ostream>
 #include <random>
 
-#include "Endurance.h"
-#include "murlink_robot.h"
+#include "WatchedFootTouch.h"
+#include "support/Elapsed.h"
+#include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
 
-using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 
-// For a slow machine, beside the library's own limits.
-constexpr seconds kMargin{1};
-
-milliseconds since(steady_clock::time_point start) {
-  return duration_cast<milliseconds>(steady_clock::now() - start);
-}
-
-// How long gRPC may still wait after an outage before it connects again: it tries after 1 s, then
-// after 1.6 times as long each time up to 120 s, give or take a fifth.
+// How long gRPC may wait after an outage before it connects again: its back-off begins with 1 s and
+// grows by a factor of 1.6 up to 120 s, each ± 20 %.
 milliseconds longestBackoff(milliseconds outage) {
   double wait = 1000;
   double waited = 0;
@@ -46,13 +38,9 @@ struct Side {
   std::vector<std::string> options;  // of the simulator that plays it alone
   const char* rpc;
   int (*call)();  // 0 or 1 when all is well
-  int lost;
-  int late;
+  int failed;     // the result without a peer
+  int timed_out;  // and without an answer
 };
-
-std::ostream& operator<<(std::ostream& out, const Side& side) {
-  return out << side.name;
-}
 
 int sendLayout() {
   const button whole{1, 0, 1};
@@ -69,14 +57,13 @@ const Side kDisplay{
     "Display",  {"--robot", "off", "--quiet"},      "setButtons",
     sendLayout, FOOT_TOUCH_ERROR_CONNECTION_FAILED, FOOT_TOUCH_ERROR_CONNECTION_FAILED};
 
-// Foot touch is on, with each side in a process of its own.
+// Foot touch is initialised, with each side in a process of its own.
 class Peers : public ::testing::TestWithParam<Side> {
  protected:
-  Peers() { EXPECT_EQ(foot_touch_initialize(), 0); }
+  Peers() { EXPECT_EQ(initializeWatched(), 0); }
   ~Peers() override {
     robot_->command("set foot-touch on");
-    const Watchdog watchdog("foot_touch_finalize", seconds(30));
-    EXPECT_EQ(foot_touch_finalize(), 0);
+    EXPECT_EQ(finalizeWatched(), 0);
   }
 
   // Calls the side that this test is about.
@@ -89,9 +76,9 @@ class Peers : public ::testing::TestWithParam<Side> {
     return result == 0 || result == 1;
   }
   std::unique_ptr<SimulatorProcess>& peer() {
-    return &GetParam().rpc[0] == kRobot.rpc ? robot_ : display_;
+    return GetParam().call == kRobot.call ? robot_ : display_;
   }
-  milliseconds upTo(unsigned limit) { return milliseconds(random_() % limit); }
+  milliseconds randomUpTo(unsigned limit) { return milliseconds(random_() % limit); }
 
   void killPeer() {
     peer()->signal(SIGKILL);
@@ -99,35 +86,35 @@ class Peers : public ::testing::TestWithParam<Side> {
   }
   void restartPeer() { peer() = std::make_unique<SimulatorProcess>(GetParam().options); }
 
-  // The peer has got the call and dies before it has answered.
+  // Kills the peer when it has received a call and not answered it.
   void killDuringCall() {
     const std::string rpc = GetParam().rpc;
     peer()->command("when " + rpc + " never");
     auto calling = std::async(std::launch::async, call);
     peer()->command("wait " + rpc);
     killPeer();
-    EXPECT_EQ(calling.get(), GetParam().lost);
+    EXPECT_EQ(calling.get(), GetParam().failed);
   }
 
-  // Calls until `end`: gRPC tries to connect all the while.
-  static void callInVain(steady_clock::time_point end) {
+  // Calls until `end`, so that gRPC keeps trying to connect.
+  static void callWithoutPeer(steady_clock::time_point end) {
     do {
-      EXPECT_EQ(call(), GetParam().lost);
+      EXPECT_EQ(call(), GetParam().failed);
       std::this_thread::sleep_for(milliseconds(50));
     } while (steady_clock::now() < end);
   }
 
-  // A call that begins later than `limit` must succeed.
-  static milliseconds untilItSucceeds(milliseconds limit) {
+  // Returns how long it takes until a call succeeds; one that begins after `limit` must.
+  static milliseconds timeUntilSuccess(milliseconds limit) {
     const auto start = steady_clock::now();
-    for (milliseconds begun{0}; !succeeds(); begun = since(start)) {
+    for (milliseconds begun{0}; !succeeds(); begun = elapsedSince(start)) {
       if (begun > limit) {
-        ADD_FAILURE() << "still out of reach after " << begun.count() << " ms";
+        ADD_FAILURE() << "still unreachable after " << begun.count() << " ms";
         break;
       }
       std::this_thread::sleep_for(milliseconds(5));
     }
-    return since(start);
+    return elapsedSince(start);
   }
 
  private:
@@ -136,24 +123,24 @@ class Peers : public ::testing::TestWithParam<Side> {
   std::minstd_rand random_{1};
 };
 
-TEST_P(Peers, ThatAreKilledAreReachedAgainWithinTheBackoff) {
+TEST_P(Peers, ThatRestartAreReachedWithinTheBackoff) {
   const int rounds = times(10, 500);
   milliseconds longest{0};
   for (int i = 0; i < rounds && !HasFailure(); ++i) {
     ASSERT_TRUE(succeeds());
     i % 2 == 0 ? killDuringCall() : killPeer();
     const auto start = steady_clock::now();
-    callInVain(start + upTo(i % 5 == 0 ? 3000 : 300));
+    callWithoutPeer(start + randomUpTo(i % 5 == 0 ? 3000 : 300));
     restartPeer();
-    const milliseconds outage = since(start);
+    const milliseconds outage = elapsedSince(start);
 
-    longest = std::max(longest, untilItSucceeds(longestBackoff(outage) + kMargin));
+    longest = std::max(longest, timeUntilSuccess(longestBackoff(outage) + kMargin));
   }
-  figure(std::string(GetParam().name) + " killed, half of the times during a call, and restarted",
-         rounds, "reached again after " + std::to_string(longest.count()) + " ms at most");
+  figure(std::string(GetParam().name) + " killed, every second time during a call, and restarted",
+         rounds, "reached after " + std::to_string(longest.count()) + " ms at most");
 }
 
-TEST_P(Peers, ThatAreStoppedAreReachedAtOnceWhenTheyGoOn) {
+TEST_P(Peers, ThatStopAreReachedAtOnceWhenTheyContinue) {
   const int rounds = times(10, 500);
   milliseconds longest{0};
   for (int i = 0; i < rounds && !HasFailure(); ++i) {
@@ -162,22 +149,21 @@ TEST_P(Peers, ThatAreStoppedAreReachedAtOnceWhenTheyGoOn) {
     peer()->signal(SIGSTOP);
     auto calling = std::async(std::launch::async, call);
     if (beyond_deadline) {
-      EXPECT_EQ(calling.get(), GetParam().late);
+      EXPECT_EQ(calling.get(), GetParam().timed_out);
     } else {
-      EXPECT_EQ(calling.wait_for(upTo(300)), std::future_status::timeout);
+      EXPECT_EQ(calling.wait_for(randomUpTo(300)), std::future_status::timeout);
     }
     peer()->signal(SIGCONT);
 
-    longest = std::max(longest, untilItSucceeds(kMargin));
+    longest = std::max(longest, timeUntilSuccess(kMargin));
     if (!beyond_deadline) {
       EXPECT_LE(calling.get(), 1);
     }
   }
   figure(std::string(GetParam().name) + " stopped during a call, and continued", rounds,
-         "reached again after " + std::to_string(longest.count()) + " ms at most");
+         "reached after " + std::to_string(longest.count()) + " ms at most");
 }
 
-INSTANTIATE_TEST_SUITE_P(Sides, Peers, ::testing::Values(kRobot, kDisplay),
-                         [](const auto& side) { return std::string(side.param.name); });
+INSTANTIATE_TEST_SUITE_P(Sides, Peers, ::testing::Values(kRobot, kDisplay), rowName<Side>);
 
 }  // namespace

@@ -1,38 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
-// The port for presses cannot be had: that is reported once, nobody shares it, nothing crashes, and
-// the next start has it.
+// The library cannot listen on the port for presses: it reports that once, never shares the port,
+// does not crash, and listens after the next initialisation.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 
-#include "Endurance.h"
-#include "murlink_robot.h"
+#include "WatchedFootTouch.h"
 #include "support/Conversation.h"
 #include "support/Listener.h"
+#include "support/LogCapture.h"
 #include "support/OwnNetwork.h"
-#include "support/PlatformCapture.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
 
 constexpr std::uint16_t kPort = 26711;
 
-long linesWith(const LogCapture& log, const std::string& text) {
-  const auto lines = log.lines();
-  return std::count_if(lines.begin(), lines.end(), [&](const LogLine& line) {
-    return line.text.find(text) != std::string::npos;
-  });
-}
-
-// Sockets of this network that listen on the port, whoever holds them.
+// How many sockets in this network listen on the port, in any process.
 long listeners() {
-  const std::string port = ":6857 ";  // as the kernel writes it
+  const std::string port = ":6857 ";  // in the kernel's notation
   const std::string listening = " 0A ";
   long count = 0;
   for (const char* table : {"/proc/thread-self/net/tcp", "/proc/thread-self/net/tcp6"}) {
@@ -46,57 +36,47 @@ long listeners() {
   return count;
 }
 
-void initialize() {
-  const Watchdog watchdog("foot_touch_initialize", seconds(10));
-  ASSERT_EQ(foot_touch_initialize(), 0);
-}
-
-void finalize() {
-  const Watchdog watchdog("foot_touch_finalize", seconds(30));
-  ASSERT_EQ(foot_touch_finalize(), 0);
-}
-
-// Foot touch goes on and off, and says once that it cannot listen.
-void startInVain() {
+// Switches foot touch on and off, and expects it to log once that it cannot listen.
+void startWithoutPort() {
   const LogCapture log;
-  initialize();
-  EXPECT_TRUE(within10s([&] { return linesWith(log, "cannot listen on") > 0; }));
+  ASSERT_EQ(initializeWatched(), 0);
+  EXPECT_TRUE(log.waitFor("cannot listen on"));
   EXPECT_LE(listeners(), 1);
-  finalize();
+  ASSERT_EQ(finalizeWatched(), 0);
   EXPECT_THAT(log.lines(), ::testing::Contains(
                                errorLine("GrpcServer.cpp: serve",
                                          "cannot listen on " MURLINK_DISPLAY_HOST
                                          ":26711: the port is taken, or the address is not on this "
                                          "machine")));
-  EXPECT_EQ(linesWith(log, "cannot listen on"), 1);
-  EXPECT_EQ(linesWith(log, "Server listening"), 0);
+  EXPECT_EQ(log.count("cannot listen on"), 1U);
+  EXPECT_FALSE(log.has("Server listening"));
 }
 
-// Foot touch goes on and off, and hears a press between.
-void startAndHear(SimulatorProcess& peers) {
+// Switches foot touch on and off, with a press in between.
+void startAndPress(SimulatorProcess& peers) {
   const LogCapture log;
-  initialize();
+  ASSERT_EQ(initializeWatched(), 0);
   waitUntilListening(MURLINK_DISPLAY_HOST, kPort);
   foot_touch_set_button_cb([](int, int, void*) {}, nullptr);
   EXPECT_EQ(listeners(), 1);
   EXPECT_EQ(peers.command("press 1 --force").value("s", -1), 0);
-  finalize();
+  ASSERT_EQ(finalizeWatched(), 0);
   EXPECT_EQ(listeners(), 0);
-  EXPECT_EQ(linesWith(log, "cannot listen on"), 0);
+  EXPECT_FALSE(log.has("cannot listen on"));
 }
 
-TEST(PressPort, ThatIsTakenIsHadAtTheNextStart) {
+TEST(PressPort, ThatIsTakenIsUsedAfterTheNextInitialize) {
   const int rounds = times(10, 500);
   SimulatorProcess peers({"--quiet"});
   for (int i = 0; i < rounds && !::testing::Test::HasFailure(); ++i) {
     {
-      const Listener stranger(MURLINK_DISPLAY_HOST, kPort, i % 2 == 0);
-      startInVain();
+      const Listener other(MURLINK_DISPLAY_HOST, kPort, i % 2 == 0);
+      startWithoutPort();
     }
-    startAndHear(peers);
+    startAndPress(peers);
   }
-  figure("port taken by a stranger, half of the times one who would share it", rounds,
-         "one error each; never two listeners; heard at the next start");
+  figure("port taken by another program, every second time with SO_REUSEPORT", rounds,
+         "one error each; never two listeners; presses arrive after the next initialise");
 }
 
 TEST(PressPort, IsNeverSharedWithAnotherApplication) {
@@ -106,23 +86,23 @@ TEST(PressPort, IsNeverSharedWithAnotherApplication) {
     {
       Conversation other({"env", "MURLINK_LOG=silent", EXAMPLE_FOOT_TOUCH});
       other.waitFor("Press Enter to end.");
-      waitUntilListening(MURLINK_DISPLAY_HOST, kPort);  // it need not be so far yet
+      waitUntilListening(MURLINK_DISPLAY_HOST, kPort);  // it starts on a thread of its own
       peers.command("set foot-touch off");
-      startInVain();
+      startWithoutPort();
       EXPECT_EQ(peers.command("press 1 --force").value("s", -1), 0);
       other.waitFor("button 1 pressed");
-      // Killed as it is by the end of this block; the port is free once the kernel has seen to
-      // that.
+      // This block ends by killing it and waiting for its end, which frees the port.
     }
-    startAndHear(peers);
+    startAndPress(peers);
   }
-  figure("a second application at the same time", rounds,
-         "one error each; never two listeners; the first goes on; heard once it is gone");
+  figure(
+      "a second application at the same time", rounds,
+      "one error each; never two listeners; the first still works; presses arrive after it ended");
 }
 
 // ---- An address that is not on this machine
 
-TEST(PressPort, OnAnAddressThatIsNotOnThisMachineIsHadOnceItIs) {
+TEST(PressPort, OnAMissingAddressIsUsedOnceTheAddressExists) {
   if (!kHaveOwnNetworks) {
     GTEST_SKIP() << kNoOwnNetwork;
   }
@@ -131,19 +111,19 @@ TEST(PressPort, OnAnAddressThatIsNotOnThisMachineIsHadOnceItIs) {
   for (int i = 0; i < rounds && !HasFailure(); ++i) {
     const LogCapture log;
     {
-      // The display has to be told first, so the address goes while the server thread begins.
+      // Initialisation calls the display first, so the address is removed while the server thread starts.
       const SlowLog slow("server_thread create start", milliseconds(500));
-      initialize();
+      ASSERT_EQ(initializeWatched(), 0);
       setLoopbackMask("255.255.255.255");
-      EXPECT_TRUE(within10s([&] { return linesWith(log, "cannot listen on") > 0; }));
+      EXPECT_TRUE(log.waitFor("cannot listen on"));
     }
     EXPECT_EQ(listeners(), 0);
-    finalize();
-    EXPECT_EQ(linesWith(log, "cannot listen on"), 1);
+    ASSERT_EQ(finalizeWatched(), 0);
+    EXPECT_EQ(log.count("cannot listen on"), 1U);
     setLoopbackMask("255.0.0.0");
   }
-  startAndHear(peers);
-  figure("address not on this machine", rounds, "one error each; heard once it is back");
+  startAndPress(peers);
+  figure("address not on this machine", rounds, "one error each; presses arrive once it is back");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // A busy robot over a long time: four recognisers report 200 presses and releases a second, the
-// application sends five layouts a second, and peers are restarted again and again. The
-// recognisers' own histories are the ledger that the application's record is held against.
+// application sends five layouts a second, and peers are restarted repeatedly. What the callback
+// received is compared with the recognisers' own histories.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,9 +9,8 @@
 #include <atomic>
 #include <memory>
 
-#include "Endurance.h"
-#include "Held.h"
-#include "murlink_robot.h"
+#include "ResourceBaseline.h"
+#include "WatchedFootTouch.h"
 #include "support/Listener.h"
 #include "support/PressLog.h"
 #include "support/RecogniserProcess.h"
@@ -28,26 +27,26 @@ constexpr std::size_t kRecognisers = 4;
 constexpr std::size_t kButtonsEach = 10;
 constexpr milliseconds kLayoutPeriod{200};
 
-// What the application was told, by recogniser: recogniser r has the buttons from 10 r to 10 r + 9.
-using Record = std::array<PressLog, kRecognisers>;
+// What the callback received, by recogniser: recogniser r has the buttons from 10 r to 10 r + 9.
+using Received = std::array<PressLog, kRecognisers>;
 
-void note(int id, int state, void* record) {
+void note(int id, int state, void* received) {
   const std::size_t recogniser = static_cast<std::size_t>(id) / kButtonsEach;
-  PressLog::note(id, state, &static_cast<Record*>(record)->at(recogniser));
+  PressLog::note(id, state, &static_cast<Received*>(received)->at(recogniser));
 }
 
 // One recogniser, on a thread of its own. Each round it reports 25 taps on one of its buttons,
-// which takes a second, and then holds what the application was told against its own history.
+// which takes a second, and then compares what the callback received with its own history.
 class BusyRecogniser {
  public:
-  BusyRecogniser(std::size_t number, PressLog& told)
-      : number_(number), told_(told), thread_([this] { run(); }) {}
+  BusyRecogniser(std::size_t number, PressLog& received)
+      : number_(number), received_(received), thread_([this] { run(); }) {}
   ~BusyRecogniser() { end(); }
   BusyRecogniser(const BusyRecogniser&) = delete;
   BusyRecogniser& operator=(const BusyRecogniser&) = delete;
 
   void restart() { restart_ = true; }
-  // Ends after the round that runs, and returns how much was reported.
+  // Ends after the current round, and returns how many reports there were.
   long end() {
     stop_ = true;
     if (thread_.joinable()) {
@@ -58,10 +57,10 @@ class BusyRecogniser {
 
  private:
   const std::size_t number_;
-  PressLog& told_;
+  PressLog& received_;
   std::atomic<bool> stop_{false};
   std::atomic<bool> restart_{false};
-  long reports_ = 0;  // for the thread alone while it runs
+  long reports_ = 0;  // used by the thread alone while it runs
   std::unique_ptr<RecogniserProcess> process_;
   std::thread thread_;
 
@@ -86,7 +85,7 @@ class BusyRecogniser {
       EXPECT_EQ(event.value("s", -1), 0) << event;
       reported.push_back({event.at("id"), event.at("state")});
     }
-    EXPECT_EQ(told_.take(), reported) << "recogniser " << number_;
+    EXPECT_EQ(received_.take(), reported) << "recogniser " << number_;
     reports_ += static_cast<long>(reported.size());
   }
 };
@@ -94,19 +93,19 @@ class BusyRecogniser {
 class Soak : public ::testing::Test {
  protected:
   Soak() {
-    EXPECT_EQ(foot_touch_initialize(), 0);
+    EXPECT_EQ(initializeWatched(), 0);
     waitUntilListening(MURLINK_DISPLAY_HOST, 26711);
-    foot_touch_set_button_cb(note, &record);
+    foot_touch_set_button_cb(note, &received);
     EXPECT_EQ(start_foot_touch(), 0);
   }
-  ~Soak() override { EXPECT_EQ(foot_touch_finalize(), 0); }
+  ~Soak() override { EXPECT_EQ(finalizeWatched(), 0); }
 
-  // Goes on with recognisers, layouts, and a restart of a peer every `restart_period`: the robot
-  // side, the display side, a recogniser, and again.
-  void live(seconds duration, seconds restart_period) {
+  // Runs recognisers, sends layouts, and restarts a peer every `restart_period`: the robot side, the
+  // display side and a recogniser in turn.
+  void run(seconds duration, seconds restart_period) {
     std::array<std::unique_ptr<BusyRecogniser>, kRecognisers> recognisers;
     for (std::size_t i = 0; i < kRecognisers; ++i) {
-      recognisers.at(i) = std::make_unique<BusyRecogniser>(i, record.at(i));
+      recognisers.at(i) = std::make_unique<BusyRecogniser>(i, received.at(i));
     }
     const auto begin = steady_clock::now();
     auto next_restart = begin + restart_period;
@@ -123,7 +122,7 @@ class Soak : public ::testing::Test {
     }
   }
 
-  Record record;
+  Received received;
   long layouts = 0;
   long reports = 0;
   std::size_t restarts = 0;
@@ -173,21 +172,21 @@ class Soak : public ::testing::Test {
   }
 };
 
-TEST_F(Soak, LosesNoPressAndKeepsNothing) {
+TEST_F(Soak, LosesNoPressAndLeaksNothing) {
   const seconds duration = lasting(seconds(60));
-  live(duration / 6, seconds(3));
-  const Held before;
+  run(duration / 6, seconds(3));
+  const ResourceBaseline before;
 
-  live(duration * 5 / 6, duration > seconds(60) ? seconds(30) : seconds(12));
+  run(duration * 5 / 6, duration > seconds(60) ? seconds(30) : seconds(12));
 
-  before.expectBack(threadsThatGrpcKeeps());
+  before.expectReleased(threadsThatGrpcKeeps());
   const long growth = before.expectGrowthOfAtMost(1024);
   figure("presses and releases of four recognisers in " + std::to_string(duration.count()) +
              " s, " + std::to_string(layouts) + " layouts, " + std::to_string(restarts) +
              " restarts of a peer",
          reports,
-         "none lost, none twice, order kept; descriptors as before, threads too but for those that "
-         "gRPC keeps; memory " +
+         "none lost, none twice, order kept; descriptors as before, and threads except gRPC's own; "
+         "memory " +
              std::to_string(growth) + " KiB up");
 }
 

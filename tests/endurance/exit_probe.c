@@ -1,17 +1,16 @@
 /* SPDX-License-Identifier: Apache-2.0 */
-/* An application that leaves without finalising, while presses arrive.
+/* An application that ends without finalising, while presses arrive.
 
-   exit_probe WHERE HOW [BUSY]
-   WHERE  main, thread or callback: where it leaves
+   Usage: exit_probe WHERE HOW [BUSY]
+   WHERE  main, thread or callback: where it ends
    HOW    return (from main only), exit, quick_exit, _exit, abort or kill
-          child     exit, and leave another program running, which prints how many descriptors it has
-                    got beyond those that the application was started with, and goes on until the
-                    end of its input
-          finalize  finalise, and exit once that has returned
-   BUSY   gesture, foot_touch or cycles: what another thread goes on calling meanwhile
+          child     start a child process and exit; the child prints how many more descriptors it
+                    has than the application was started with, and runs until the end of its input
+          finalize  finalise, then exit
+   BUSY   gesture, foot_touch or cycles: what another thread calls repeatedly meanwhile
 
-   Prints "leaving" after 10 presses (or cycles) and leaves with 7; with 1 when foot touch cannot be
-   had, with 2 when no presses arrive, with 3 for words that it does not know. */
+   Prints "leaving" after 10 presses (or cycles) and exits with 7; with 1 when foot touch does not
+   start, with 2 when no presses arrive, with 3 for wrong arguments. */
 #define _DEFAULT_SOURCE
 
 #include <fcntl.h>
@@ -27,33 +26,33 @@
 
 #include "murlink_robot.h"
 
-enum { LEFT = 7, NO_FOOT_TOUCH = 1, NO_PRESSES = 2, WRONG_WORDS = 3, ENOUGH = 10 };
+enum { ENDED = 7, NO_FOOT_TOUCH = 1, NO_PRESSES = 2, WRONG_ARGUMENTS = 3, ENOUGH = 10 };
 
 static const button whole = {1, 0.0F, 1.0F};
 
-/* ---- How to leave */
+/* ---- How to end */
 
-static void leave_by_exit(void) {
-  exit(LEFT);
+static void end_by_exit(void) {
+  exit(ENDED);
 }
 
-static void leave_by_quick_exit(void) {
-  quick_exit(LEFT);
+static void end_by_quick_exit(void) {
+  quick_exit(ENDED);
 }
 
-static void leave_by_underscore_exit(void) {
-  _exit(LEFT);
+static void end_by_underscore_exit(void) {
+  _exit(ENDED);
 }
 
-static void leave_by_kill(void) {
+static void end_by_kill(void) {
   raise(SIGKILL);
 }
 
-static void leave_by_return(void) {}
+static void end_by_return(void) {}
 
 static void finalize_and_exit(void) {
   foot_touch_finalize();
-  exit(LEFT);
+  exit(ENDED);
 }
 
 static int descriptors(void) {
@@ -67,15 +66,15 @@ static int descriptors(void) {
 
 static char descriptors_at_start[16];
 
-static void leave_a_child(void) {
+static void start_child_and_exit(void) {
   if (fork() == 0) {
     execl("/proc/self/exe", "exit_probe", "child", descriptors_at_start, NULL);
-    _exit(WRONG_WORDS);
+    _exit(WRONG_ARGUMENTS);
   }
-  exit(LEFT);
+  exit(ENDED);
 }
 
-static int be_the_child(const char* descriptors_of_parent) {
+static int run_as_child(const char* descriptors_of_parent) {
   char ignored = 0;
   printf("child has %d more\n", descriptors() - atoi(descriptors_of_parent));
   fflush(stdout);
@@ -111,23 +110,23 @@ static void* switch_foot_touch_off_and_on(void* unused) {
     foot_touch_finalize();
     foot_touch_initialize();
     foot_touch_set_button_cb(count_presses, NULL);
-    count_presses(0, 0, NULL); /* as the recogniser is not always back in time */
+    count_presses(0, 0, NULL); /* counts cycles too: presses may miss the short time in between */
   }
   return unused;
 }
 
-/* ---- Words */
+/* ---- Arguments */
 
 static const struct {
   const char* word;
-  void (*leave)(void);
-} ways[] = {{"return", leave_by_return},
-            {"exit", leave_by_exit},
-            {"quick_exit", leave_by_quick_exit},
-            {"_exit", leave_by_underscore_exit},
+  void (*end)(void);
+} ways[] = {{"return", end_by_return},
+            {"exit", end_by_exit},
+            {"quick_exit", end_by_quick_exit},
+            {"_exit", end_by_underscore_exit},
             {"abort", abort},
-            {"kill", leave_by_kill},
-            {"child", leave_a_child},
+            {"kill", end_by_kill},
+            {"child", start_child_and_exit},
             {"finalize", finalize_and_exit}};
 
 static const struct {
@@ -137,16 +136,16 @@ static const struct {
              {"foot_touch", use_foot_touch},
              {"cycles", switch_foot_touch_off_and_on}};
 
-/* ---- Leaving */
+/* ---- Ending */
 
-static void (*leave)(void);
-static int leaves_from_callback;
+static void (*end)(void);
+static int ends_in_callback;
 static atomic_int presses;
 
-static void say_and_leave(void) {
+static void announce_and_end(void) {
   static const char text[] = "leaving\n";
   if (write(STDOUT_FILENO, text, sizeof text - 1) > 0) {
-    leave();
+    end();
   }
 }
 
@@ -154,13 +153,13 @@ static void count_presses(int id, int state, void* user_data) {
   (void)id;
   (void)state;
   (void)user_data;
-  if (++presses == ENOUGH && leaves_from_callback) {
-    say_and_leave();
+  if (++presses == ENOUGH && ends_in_callback) {
+    announce_and_end();
   }
 }
 
-static void* leave_in_thread(void* unused) {
-  say_and_leave();
+static void* end_in_thread(void* unused) {
+  announce_and_end();
   return unused;
 }
 
@@ -176,7 +175,7 @@ static int wait_for_presses(int number) {
   return 0;
 }
 
-static int understand(const char* word, void* (**work)(void*)) {
+static int find_work(const char* word, void* (**work)(void*)) {
   size_t i = 0;
   for (i = 0; i < sizeof works / sizeof works[0]; ++i) {
     if (strcmp(works[i].word, word) == 0) {
@@ -187,11 +186,11 @@ static int understand(const char* word, void* (**work)(void*)) {
   return 0;
 }
 
-static int understand_way(const char* word) {
+static int find_way(const char* word) {
   size_t i = 0;
   for (i = 0; i < sizeof ways / sizeof ways[0]; ++i) {
     if (strcmp(ways[i].word, word) == 0) {
-      leave = ways[i].leave;
+      end = ways[i].end;
       return 1;
     }
   }
@@ -211,14 +210,14 @@ int main(int argc, char** argv) {
   void* (*work)(void*) = NULL;
   pthread_t thread;
   if (argc == 3 && strcmp(argv[1], "child") == 0) {
-    return be_the_child(argv[2]);
+    return run_as_child(argv[2]);
   }
   sprintf(descriptors_at_start, "%d", descriptors());
-  if (argc < 3 || !understand_way(argv[2]) || (argc > 3 && !understand(argv[3], &work))) {
-    return WRONG_WORDS;
+  if (argc < 3 || !find_way(argv[2]) || (argc > 3 && !find_work(argv[3], &work))) {
+    return WRONG_ARGUMENTS;
   }
   setrlimit(RLIMIT_CORE, &no_core);
-  leaves_from_callback = strcmp(argv[1], "callback") == 0;
+  ends_in_callback = strcmp(argv[1], "callback") == 0;
   if (!start()) {
     return NO_FOOT_TOUCH;
   }
@@ -229,11 +228,11 @@ int main(int argc, char** argv) {
     return NO_PRESSES;
   }
   if (strcmp(argv[1], "main") == 0) {
-    say_and_leave();
-    return LEFT;
+    announce_and_end();
+    return ENDED;
   }
   if (strcmp(argv[1], "thread") == 0) {
-    pthread_create(&thread, NULL, leave_in_thread, NULL);
+    pthread_create(&thread, NULL, end_in_thread, NULL);
   }
   for (;;) {
     pause();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// An application whose own classes, variables and functions are named as the library's are inside,
-// and mean something else. It uses foot touch, says "leaving" after 10 presses and leaves with 7;
-// with 1 when foot touch does not work, with 2 when no presses arrive, with 3 when something of its
-// own was made, called or changed.
+// An application whose own classes, variables and functions have the names of the library's internal
+// ones. It uses foot touch, prints "leaving" after 10 presses and returns 7; 1 when foot touch does
+// not work, 2 when no presses arrive, 3 when the library constructed, called or changed something of
+// the application's.
 #include <unistd.h>
 
 #include <atomic>
@@ -12,39 +12,39 @@
 
 #include "murlink_robot.h"
 
-// ---- Its own classes, larger than the library's messages and with virtual functions of their own
+// ---- Own classes, larger than the library's messages and with virtual functions of their own
 
 namespace {
-std::atomic<int> made{0};
+std::atomic<int> constructed{0};
 std::atomic<int> called{0};
 }  // namespace
 
-#define NAMESAKE(name)                      \
-  class name {                              \
-   public:                                  \
-    name() { ++made; }                      \
-    name(const name& /*other*/) { ++made; } \
-    virtual ~name();                        \
-    virtual int s() const;                  \
-    virtual void set_s(int value);          \
-    virtual void set_x(int value);          \
-    static int default_instance();          \
-    char content[512] = {1};                \
-  };                                        \
-  name::~name() {                           \
-    ++called;                               \
-  }                                         \
-  int name::s() const {                     \
-    return ++called;                        \
-  }                                         \
-  void name::set_s(int /*value*/) {         \
-    ++called;                               \
-  }                                         \
-  void name::set_x(int /*value*/) {         \
-    ++called;                               \
-  }                                         \
-  int name::default_instance() {            \
-    return ++called;                        \
+#define NAMESAKE(name)                             \
+  class name {                                     \
+   public:                                         \
+    name() { ++constructed; }                      \
+    name(const name& /*other*/) { ++constructed; } \
+    virtual ~name();                               \
+    virtual int s() const;                         \
+    virtual void set_s(int value);                 \
+    virtual void set_x(int value);                 \
+    static int default_instance();                 \
+    char content[512] = {1};                       \
+  };                                               \
+  name::~name() {                                  \
+    ++called;                                      \
+  }                                                \
+  int name::s() const {                            \
+    return ++called;                               \
+  }                                                \
+  void name::set_s(int /*value*/) {                \
+    ++called;                                      \
+  }                                                \
+  void name::set_x(int /*value*/) {                \
+    ++called;                                      \
+  }                                                \
+  int name::default_instance() {                   \
+    return ++called;                               \
   }
 
 NAMESAKE(ActionRequest)
@@ -58,7 +58,7 @@ NAMESAKE(FrameLandmarkData)
 NAMESAKE(Reply)
 NAMESAKE(UnaryCall)
 
-// ---- Its own variables, of other types than the library's, or of the same
+// ---- Own variables, of the same types as the library's or others
 
 std::string address = "my address";
 std::string tv_server_address = "my television";
@@ -69,7 +69,7 @@ bool is_initialized = true;
 int* footTouchClient = &stub;
 int init_flag = 43;
 
-// ---- Its own functions, with the signatures of the library's
+// ---- Own functions, with the signatures of the library's
 
 struct CallSite;
 struct Command;
@@ -129,8 +129,8 @@ bool pressesArrive() {
   return presses >= 10;
 }
 
-bool ownAreUntouched() {
-  return made == 0 && called == 0 && address == "my address" &&
+bool ownNamesAreUntouched() {
+  return constructed == 0 && called == 0 && address == "my address" &&
          tv_server_address == "my television" && robot_server_address == "my robot" &&
          channel == 41 && stub == 42 && is_initialized && footTouchClient == &stub &&
          init_flag == 43;
@@ -145,7 +145,7 @@ int main() {
   if (!pressesArrive()) {
     return 2;
   }
-  if (!ownAreUntouched()) {
+  if (!ownNamesAreUntouched()) {
     return 3;
   }
   return write(STDOUT_FILENO, "leaving\n", 8) == 8 ? 7 : 4;

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// outgoing_call CALL FAULT [STEP AFTER]: makes one call of the library under a fault, and prints
-// its result, its microseconds, how many microseconds this machine is late by itself, and the log.
-// The wall clock is set by STEP seconds AFTER so many milliseconds of the call; just before it when
-// that is 0.
+// Usage: outgoing_call CALL FAULT [STEP AFTER]
+// Makes one call of the library under a fault, and prints its result, its duration and the longest
+// wake-up delay of this machine, both in microseconds, and the log. Sets the wall clock by STEP
+// seconds, AFTER milliseconds into the call; just before the call when that is 0.
 //
-// A process makes one call only. After a failure the channel answers by itself for a while, and a
-// second call would meet that instead of the fault. Its network is its own, so many may run at
-// once.
+// One process makes one call only: after a failure gRPC's back-off fails calls for a while, and a
+// second call would meet that instead of the fault. Each process has a network of its own, so many
+// may run at once.
 #include <algorithm>
 #include <atomic>
 #include <functional>
@@ -16,11 +16,12 @@
 #include <thread>
 
 #include "OutgoingCalls.h"
-#include "RawPeer.h"
+#include "SteppedClock.h"
+#include "support/Elapsed.h"
+#include "support/LogCapture.h"
 #include "support/OwnNetwork.h"
-#include "support/PlatformCapture.h"
+#include "support/RawPeer.h"
 #include "support/SimulatorProcess.h"
-#include "support/SteppedClock.h"
 #include "support/TestProcess.h"
 
 namespace {
@@ -31,18 +32,14 @@ using std::chrono::steady_clock;
 const std::string kRobot = MURLINK_ROBOT_HOST ":26710";
 const std::string kDisplay = MURLINK_DISPLAY_HOST ":26710";
 
-microseconds since(steady_clock::time_point start) {
-  return std::chrono::duration_cast<microseconds>(steady_clock::now() - start);
-}
-
-// The peers of a call, which behave until the fault begins.
+// The peers of a call, without fault until misbehave().
 class Peers {
  public:
   virtual ~Peers() = default;
   virtual void misbehave(const OutgoingCall& call) = 0;
 };
 
-// Simulated ones, with a proxy in front of the side that is called.
+// Simulated peers, with a proxy in front of the side that is called.
 class ProxiedPeers : public Peers {
  public:
   ProxiedPeers(std::string fault, const OutgoingCall& call)
@@ -54,7 +51,7 @@ class ProxiedPeers : public Peers {
   }
 
   void misbehave(const OutgoingCall& call) override {
-    // Either is the middle of the answer: a new connection says something about itself before.
+    // Each cuts the answer in half: on a new connection the server's settings precede it.
     const std::string half = call.needs_foot_touch ? "cut 18" : "cut 150";
     simulator_.command("fault " + (fault_ == kHalfAnAnswer ? half : fault_));
   }
@@ -66,14 +63,15 @@ class ProxiedPeers : public Peers {
   SimulatorProcess simulator_;
 };
 
-// Simulated ones behind a network that breaks.
-class CutOffPeers : public Peers {
+// Simulated peers behind a network that breaks.
+class DisconnectedPeers : public Peers {
  public:
-  explicit CutOffPeers(std::function<void()> breakNetwork) : break_(std::move(breakNetwork)) {}
+  explicit DisconnectedPeers(std::function<void()> breakNetwork)
+      : break_(std::move(breakNetwork)) {}
 
   void misbehave(const OutgoingCall& call) override {
     if (call.function == foot_touch_initialize && call.side == Side::Robot) {
-      // The display, which is asked before, must have had its turn.
+      // The display is called first, and must not be affected.
       simulator_.command("when service_On foot-touch fail INTERNAL once");
       foot_touch_initialize();
     }
@@ -85,13 +83,13 @@ class CutOffPeers : public Peers {
   SimulatorProcess simulator_{{"--quiet"}};
 };
 
-// Ones that answer with bytes of their own.
+// Peers that answer with any bytes.
 class RawPeers : public Peers {
  public:
   explicit RawPeers(std::string answer) : answer_(std::move(answer)) {}
 
   void misbehave(const OutgoingCall& call) override {
-    (call.side == Side::Robot ? robot_ : display_).answer(answer_);
+    (call.side == Side::Robot ? robot_ : display_).answerWith({grpc::StatusCode::OK, answer_});
   }
 
  private:
@@ -100,7 +98,7 @@ class RawPeers : public Peers {
   RawPeer display_{kDisplay};
 };
 
-// A message whose one field, unknown to everybody, has 5 MiB. It would be read as success.
+// A message with one unknown field of 5 MiB, which would otherwise read as success.
 std::string largeMessage() {
   constexpr std::size_t kSize = 5 << 20;
   return "\x12\x80\x80\xc0\x02" + std::string(kSize, 'x');
@@ -108,10 +106,10 @@ std::string largeMessage() {
 
 std::unique_ptr<Peers> peersWith(const std::string& fault, const OutgoingCall& call) {
   if (fault == kDroppedPackets) {
-    return std::make_unique<CutOffPeers>(dropEveryPacket);
+    return std::make_unique<DisconnectedPeers>(dropEveryPacket);
   }
   if (fault == kLinkDown) {
-    return std::make_unique<CutOffPeers>(takeLoopbackDown);
+    return std::make_unique<DisconnectedPeers>(takeLoopbackDown);
   }
   if (fault == kLargeAnswer) {
     return std::make_unique<RawPeers>(largeMessage());
@@ -122,23 +120,23 @@ std::unique_ptr<Peers> peersWith(const std::string& fault, const OutgoingCall& c
   return std::make_unique<ProxiedPeers>(fault, call);
 }
 
-// How late this machine wakes a thread up that sleeps a while, over and over, as long as this
-// lives.
-class OwnLateness {
+// Measures how late this machine wakes up a sleeping thread, from construction to end().
+class WakeupDelay {
  public:
+  // Returns the longest delay.
   microseconds end() {
-    over_ = true;
+    ended_ = true;
     return longest_.get();
   }
 
  private:
-  std::atomic<bool> over_{false};
+  std::atomic<bool> ended_{false};
   std::future<microseconds> longest_ = std::async(std::launch::async, [this] {
     microseconds longest{0};
-    while (!over_) {
+    while (!ended_) {
       const auto wanted = steady_clock::now() + std::chrono::milliseconds(5);
       std::this_thread::sleep_until(wanted);
-      longest = std::max(longest, since(wanted));
+      longest = std::max(longest, elapsedSince<microseconds>(wanted));
     }
     return longest;
   });
@@ -149,7 +147,7 @@ struct Step {
   std::chrono::milliseconds after;
 };
 
-// Sets the clock at once or, from a thread of its own, later.
+// Sets the clock now or, on a thread of its own, later.
 std::future<void> take(Step step) {
   if (step.after.count() == 0) {
     stepClock(step.size);
@@ -164,12 +162,12 @@ std::future<void> take(Step step) {
 void report(const OutgoingCall& call, const Step& step) {
   const LogCapture log;
   const auto stepped = take(step);
-  OwnLateness lateness;
+  WakeupDelay wakeup_delay;
   const auto start = steady_clock::now();
   const int result = call.function();
-  const microseconds took = since(start);
+  const auto took = elapsedSince<microseconds>(start);
 
-  std::cout << result << " " << took.count() << " " << lateness.end().count() << "\n";
+  std::cout << result << " " << took.count() << " " << wakeup_delay.end().count() << "\n";
   for (const LogLine& line : log.lines()) {
     std::cout << line.text;
   }
@@ -200,6 +198,6 @@ int main(int argc, char** argv) {
   const Step step = argc == 3 ? Step{}
                               : Step{std::chrono::seconds(std::stol(argv[3])),
                                      std::chrono::milliseconds(std::stol(argv[4]))};
-  // At once: an orderly end would wait for peers that do not answer.
+  // Without destructors, which would wait for peers that do not answer.
   std::_Exit(run(argv[1], argv[2], step));
 }

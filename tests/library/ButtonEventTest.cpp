@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "support/CallbackServer.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 
 namespace {

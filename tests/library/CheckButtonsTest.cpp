@@ -10,7 +10,7 @@
 
 #include "FootTouchAPI.h"
 #include "support/LayoutModel.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 
 namespace {

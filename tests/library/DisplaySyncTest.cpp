@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/CallbackServer.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 
 namespace {

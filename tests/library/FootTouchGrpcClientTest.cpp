@@ -8,7 +8,8 @@
 
 #include "FootTouchGrpcClient.h"
 #include "murlink_robot.h"
-#include "support/PlatformCapture.h"
+#include "support/Device.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"

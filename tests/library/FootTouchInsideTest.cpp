@@ -9,7 +9,7 @@
 #include "FootTouchAPI.h"
 #include "FootTouchServerManager.h"
 #include "GrpcServer.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/SimulatorProcess.h"
 
 namespace {

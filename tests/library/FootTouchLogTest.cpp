@@ -9,7 +9,7 @@
 #include "FootTouchServerManager.h"
 #include "murlink_robot.h"
 #include "support/Listener.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/SimulatorProcess.h"
 
 namespace {

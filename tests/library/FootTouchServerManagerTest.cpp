@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "FootTouchServerManager.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"

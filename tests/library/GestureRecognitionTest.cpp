@@ -6,7 +6,7 @@
 
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"
 

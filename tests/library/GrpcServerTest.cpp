@@ -14,7 +14,7 @@
 #include "GrpcServer.h"
 #include "support/CallbackServer.h"
 #include "support/Listener.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"
 #include "support/Within.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Log.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 
 namespace {
 

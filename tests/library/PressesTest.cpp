@@ -10,7 +10,7 @@
 #include <set>
 #include <thread>
 
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RecogniserProcess.h"
 #include "support/RunningFootTouch.h"
 

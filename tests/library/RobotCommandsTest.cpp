@@ -11,7 +11,7 @@
 #include "FootTouchGrpcClient.h"
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 

@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "ServerSetup.h"
-#include "endurance/LargePress.h"
 #include "support/CallbackServer.h"
 #include "support/Http2Frames.h"
+#include "support/LargePress.h"
 #include "support/Listener.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RawConnection.h"
 
 namespace {
@@ -106,7 +106,7 @@ TEST_F(ServerLimits, CloseAConnectionThatSendsNothingForFiveSeconds) {
   const auto start = steady_clock::now();
   RawConnection silent(MURLINK_DISPLAY_HOST, 26711);
 
-  while (silent.hear()) {
+  while (silent.receive()) {
   }
 
   EXPECT_GE(steady_clock::now() - start, seconds(4));
@@ -119,7 +119,7 @@ TEST_F(ServerLimits, LeaveAnIdleConnectionOpen) {
   RawConnection idle(MURLINK_DISPLAY_HOST, 26711);
   idle.send(http2::greeting());
   RawConnection silent(MURLINK_DISPLAY_HOST, 26711);
-  while (silent.hear()) {
+  while (silent.receive()) {
   }
 
   idle.send(http2::bytes(http2::call("service_On", 1, http2::intMessage(1))));

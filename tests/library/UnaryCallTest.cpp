@@ -7,7 +7,7 @@
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "UnaryCall.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/SimulatorProcess.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "Verdict.h"
-#include "support/PlatformCapture.h"
+#include "support/LogCapture.h"
 #include "support/RowName.h"
 
 using murlink::judge;

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Listener.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <stdexcept>
@@ -16,67 +12,51 @@
 
 namespace {
 
-sockaddr_in socketAddress(const char* host, std::uint16_t port) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_port = htons(port);
-  inet_pton(AF_INET, host, &address.sin_addr);
-  return address;
+int checked(int result, const char* what) {
+  if (result < 0) {
+    throw std::system_error(errno, std::generic_category(), what);
+  }
+  return result;
 }
 
-bool accepts(const sockaddr_in& address) {
-  const int probe = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const bool connected =
-      connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-  close(probe);
-  return connected;
+bool accepts(const char* host, std::uint16_t port) {
+  try {
+    Socket().connectTo(host, port);
+    return true;
+  } catch (const std::system_error&) {
+    return false;
+  }
 }
 
 }  // namespace
 
-Listener::Listener(const char* host, std::uint16_t port, bool sharing)
-    : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+Listener::Listener(const char* host, std::uint16_t port, bool sharing) {
   const int yes = 1;
-  setsockopt(socket_, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+  setsockopt(socket_.descriptor(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
   if (sharing) {
-    setsockopt(socket_, SOL_SOCKET, SO_REUSEPORT, &yes, sizeof yes);
+    setsockopt(socket_.descriptor(), SOL_SOCKET, SO_REUSEPORT, &yes, sizeof yes);
   }
   const sockaddr_in address = socketAddress(host, port);
-  if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-      listen(socket_, 16) != 0) {
-    const int error = errno;
-    close(socket_);
-    throw std::system_error(error, std::generic_category(), "cannot listen");
-  }
+  checked(bind(socket_.descriptor(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+          "cannot bind");
+  checked(listen(socket_.descriptor(), 16), "cannot listen");
 }
 
-Listener::~Listener() {
-  close(socket_);
+std::uint16_t Listener::port() const {
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  checked(getsockname(socket_.descriptor(), reinterpret_cast<sockaddr*>(&address), &size),
+          "no address");
+  return ntohs(address.sin_port);
 }
 
-SilentConnection::SilentConnection() : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {}
-
-void SilentConnection::connectTo(const char* host, std::uint16_t port) {
-  const sockaddr_in address = socketAddress(host, port);
-  if (connect(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    throw std::system_error(errno, std::generic_category(), "cannot connect");
-  }
+Socket Listener::accept() const {
+  return Socket(checked(::accept(socket_.descriptor(), nullptr, nullptr), "cannot accept"));
 }
 
-bool SilentConnection::isGreeted(std::chrono::milliseconds limit) const {
-  pollfd source{socket_, POLLIN, 0};
-  char first = 0;
-  return poll(&source, 1, static_cast<int>(limit.count())) == 1 &&
-         recv(socket_, &first, 1, MSG_PEEK) == 1;
-}
-
-SilentConnection::~SilentConnection() {
-  close(socket_);
-}
-
-void waitUntilListening(const char* host, std::uint16_t port) {
-  const sockaddr_in address = socketAddress(host, port);
-  if (!within10s([&address] { return accepts(address); })) {
-    throw std::runtime_error("nobody listens on " + std::string(host) + ":" + std::to_string(port));
+void waitUntilListening(const char* host, std::uint16_t port, std::chrono::seconds limit) {
+  if (!within(limit, [&] { return accepts(host, port); })) {
+    throw std::runtime_error("nothing listens on " + std::string(host) + ":" +
+                             std::to_string(port));
   }
 }

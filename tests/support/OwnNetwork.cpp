@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "OwnNetwork.h"
 
-#include <arpa/inet.h>
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,6 +14,7 @@
 #include <system_error>
 
 #include "ChildProcess.h"
+#include "Socket.h"
 
 namespace {
 
@@ -28,13 +27,10 @@ void becomeRootOfOwnUsers(uid_t user, gid_t group) {
 
 // Changes a property of the loopback interface.
 void set(unsigned long property, ifreq value) {
-  const int any = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+  const Socket any;
   std::strcpy(value.ifr_name, "lo");
-  const bool done = ioctl(any, property, &value) == 0;
-  const int error = errno;
-  close(any);
-  if (!done) {
-    throw std::system_error(error, std::generic_category(), "loopback");
+  if (ioctl(any.descriptor(), property, &value) != 0) {
+    throw std::system_error(errno, std::generic_category(), "loopback");
   }
 }
 
@@ -64,16 +60,15 @@ void takeLoopbackDown() {
 
 void setLoopbackMask(const char* mask) {
   ifreq request{};
-  auto* const value = reinterpret_cast<sockaddr_in*>(&request.ifr_netmask);
-  value->sin_family = AF_INET;
-  inet_pton(AF_INET, mask, &value->sin_addr);
+  const sockaddr_in value = socketAddress(mask, 0);
+  std::memcpy(&request.ifr_netmask, &value, sizeof value);
   set(SIOCSIFNETMASK, request);
 }
 
 void dropEveryPacket() {
-  // Where nft is, whether or not PATH names that folder for everybody.
+  // By its path, because not every user's PATH holds that folder.
   const Finished nft = runToEnd({"/usr/sbin/nft",
-                                 "add table ip silence; add chain ip silence incoming "
+                                 "add table ip lossy; add chain ip lossy incoming "
                                  "{ type filter hook input priority 0; policy drop; }"},
                                 {}, std::chrono::seconds(10));
   if (nft.exit_code != 0) {

@@ -7,31 +7,33 @@
 #include <cstdint>
 #include <string>
 
-// A TCP connection that says whatever it is told to, for clients that keep to no rule. What the
-// other side sends is thrown away. Nothing waits for longer than 10 s, and a connection that the
-// other side has closed is no failure.
+#include "Socket.h"
+
+// A TCP client that sends any bytes, valid or not, or none, and discards what it receives. No
+// call waits longer than 10 s, and a connection that the server has closed is no failure.
 class RawConnection {
  public:
-  // `host` is an IPv4 address. Throws std::system_error when nobody accepts.
+  // Opens the socket, and does not connect it yet.
+  RawConnection();
   RawConnection(const char* host, std::uint16_t port);
-  ~RawConnection();
-  RawConnection(RawConnection&& other) noexcept;
-  RawConnection(const RawConnection&) = delete;
-  RawConnection& operator=(const RawConnection&) = delete;
+  // `host` is an IPv4 address. Throws std::system_error when nothing listens there. Opens no further
+  // descriptor.
+  void connectTo(const char* host, std::uint16_t port) { socket_.connectTo(host, port); }
 
-  // Returns how much was taken: less than all of it when the other side has closed, or reads no
-  // more.
+  // Returns how many bytes the kernel took: fewer than all when the server has closed the
+  // connection, or stopped reading.
   std::size_t send(const std::string& bytes);
-  // Waits until the other side has sent something, or has closed: false.
-  bool hear();
-  // Closes this direction, and waits for the other side to close its own: false when it does not.
+  // Waits until the server has sent something; false when it has not within `limit`, or has closed
+  // the connection. A gRPC server sends its settings as soon as it accepts.
+  bool receive(std::chrono::milliseconds limit = std::chrono::seconds(10));
+  // Closes the sending direction and waits until the server closes the other one; false when it
+  // does not.
   bool end();
 
  private:
-  int socket_;
+  Socket socket_;
 
-  // Reads once: what recv() returns.
-  long read();
+  long read();  // what recv() returns
 };
 
 #endif

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The program takes over two functions of the C library. One reads the clock. The other makes
-// system calls: gRPC's locks wait for a time of day with it, and the system knows nothing of our
-// steps.
+// Replaces two functions of the C library: clock_gettime(), and syscall(), with which gRPC's locks
+// wait for a time of day that the kernel would compare with the unchanged clock.
 #include "SteppedClock.h"
 
 #include <dlfcn.h>
@@ -48,7 +47,7 @@ nanoseconds shownTime() {
   return realTime() + seconds(offset);
 }
 
-// Waits in short turns, so that the clock may be set meanwhile.
+// Waits in short turns, because the clock may be set meanwhile.
 long waitUntilShown(nanoseconds end, long word, long operation, long value, long mask) {
   constexpr nanoseconds kTurn = std::chrono::milliseconds(1);
   for (;;) {

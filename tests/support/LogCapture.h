@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The test program plays the device: it defines the platform's functions itself, and so reads every
-// log line of the library and answers its questions.
-#ifndef MURLINK_TESTS_PLATFORM_CAPTURE_H
-#define MURLINK_TESTS_PLATFORM_CAPTURE_H
+// The test program defines dlog_print() itself, and so receives every log line of the library.
+#ifndef MURLINK_TESTS_LOG_CAPTURE_H
+#define MURLINK_TESTS_LOG_CAPTURE_H
 
 #include <chrono>
 #include <iosfwd>
@@ -12,7 +11,7 @@
 
 #include "murlink_platform.h"
 
-// A line as the platform gets it, except that the source line number is replaced by #.
+// A line as dlog_print() receives it, except that # replaces the source line number.
 struct LogLine {
   int priority;
   std::string tag;
@@ -23,17 +22,21 @@ struct LogLine {
 bool operator==(const LogLine& a, const LogLine& b);
 std::ostream& operator<<(std::ostream& out, const LogLine& line);
 
-// What the library logs for a body, from a file and function named as "File.cpp: function".
+// The line that the library logs for a body; `origin` reads "File.cpp: function".
 LogLine infoLine(std::string_view origin, std::string_view body);
 LogLine errorLine(std::string_view origin, std::string_view body);
 
-// A pointer as "%p" shows it.
+// A pointer as "%p" prints it.
 std::string shown(const void* pointer);
 
-// Collects the lines of all threads while it lives; one at a time. Counting only, it is fast.
+// Collects the lines of all threads while it lives; one at a time.
 class LogCapture {
  public:
-  enum Mode { Keeping, Counting };
+  enum Mode {
+    Keeping,
+    Counting,    // counts formatted lines, and keeps none
+    Discarding,  // does not even format them, for measurements
+  };
 
   explicit LogCapture(Mode mode = Keeping);
   ~LogCapture();
@@ -45,13 +48,13 @@ class LogCapture {
   std::vector<LogLine> linesOf(const std::string& file, const std::string& function = "") const;
   // The lines since the last time; the capture keeps none of them.
   std::vector<LogLine> take();
-  // How many lines there were, those that were taken included.
+  // How many lines there were, including those that were taken.
   std::size_t count() const;
 
   // Among the lines that are kept, those whose text contains `text`.
   std::size_t count(const std::string& text) const;
   bool has(const std::string& text) const { return count(text) > 0; }
-  // Waits until there is one, 10 s at most; false when none has come.
+  // Waits until there is one; false when there is none within 10 s.
   bool waitFor(const std::string& text) const;
 
  private:
@@ -65,40 +68,13 @@ class LogCapture {
   std::size_t linesWith(const std::string& text) const;
 };
 
-// A platform whose log takes its time over lines that contain a text, while it lives; one at a
-// time.
+// Makes dlog_print() take `delay` for lines that contain `text`, while it lives; one at a time.
 class SlowLog {
  public:
   SlowLog(const char* text, std::chrono::milliseconds delay);
   ~SlowLog();
   SlowLog(const SlowLog&) = delete;
   SlowLog& operator=(const SlowLog&) = delete;
-};
-
-// The device while it lives, one at a time: whether it knows the key of the lens, and the value
-// stored under it. Without one, the key is known and true.
-class Device {
- public:
-  struct Question {
-    std::string key;
-    std::chrono::steady_clock::time_point when;
-  };
-
-  Device(bool knows_lens, bool lens);
-  ~Device();
-  Device(const Device&) = delete;
-  Device& operator=(const Device&) = delete;
-
-  std::vector<Question> questions() const;
-
- private:
-  friend int system_info_get_custom_bool(const char* key, bool* value);
-
-  const bool knows_lens_;
-  const bool lens_;
-  std::vector<Question> questions_;
-
-  int answer(const char* key, bool* value);
 };
 
 #endif

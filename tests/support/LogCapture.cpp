@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PlatformCapture.h"
+#include "LogCapture.h"
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <condition_variable>
 #include <cstdarg>
 #include <cstdio>
@@ -14,19 +15,19 @@
 
 namespace {
 
-// What the library's threads find; they may log while the test goes on, and until the process ends.
-struct Platform {
+// The library's threads may log until the process ends.
+struct Log {
+  std::atomic<bool> discards{false};
   std::mutex mutex;
-  std::condition_variable logged;
+  std::condition_variable changed;
   LogCapture* capture = nullptr;
-  Device* device = nullptr;
   std::string slow_text;
-  std::chrono::milliseconds slowness{0};
+  std::chrono::milliseconds delay{0};
 };
 
-Platform& platform() {
-  static auto* const platform = new Platform;
-  return *platform;
+Log& theLog() {
+  static auto* const log = new Log;
+  return *log;
 }
 
 LogLine line(int priority, std::string_view separator, std::string_view origin,
@@ -51,32 +52,25 @@ std::string withoutLineNumber(std::string text) {
 }  // namespace
 
 int dlog_print(int priority, const char* tag, const char* format, ...) {
-  std::array<char, 4096> text{};
+  if (theLog().discards) {
+    return 0;
+  }
+  char text[4096];  // not initialised, to be fast
   std::va_list arguments;
   va_start(arguments, format);
-  const int length = std::vsnprintf(text.data(), text.size(), format, arguments);
+  const int length = std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
 
-  std::unique_lock<std::mutex> lock(platform().mutex);
-  if (platform().capture != nullptr) {
-    platform().capture->add(priority, tag, text.data());
+  std::unique_lock<std::mutex> lock(theLog().mutex);
+  if (theLog().capture != nullptr) {
+    theLog().capture->add(priority, tag, text);
   }
-  if (platform().slowness.count() > 0 &&
-      std::strstr(text.data(), platform().slow_text.c_str()) != nullptr) {
-    const auto slowness = platform().slowness;
+  const auto delay = theLog().delay;
+  if (delay.count() > 0 && std::strstr(text, theLog().slow_text.c_str()) != nullptr) {
     lock.unlock();
-    std::this_thread::sleep_for(slowness);
+    std::this_thread::sleep_for(delay);
   }
   return length;
-}
-
-int system_info_get_custom_bool(const char* key, bool* value) {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  if (platform().device != nullptr) {
-    return platform().device->answer(key, value);
-  }
-  *value = true;
-  return 0;
 }
 
 bool operator==(const LogLine& a, const LogLine& b) {
@@ -102,17 +96,19 @@ std::string shown(const void* pointer) {
 }
 
 LogCapture::LogCapture(Mode mode) : mode_(mode) {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().capture = this;
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
+  theLog().capture = this;
+  theLog().discards = mode == Discarding;
 }
 
 LogCapture::~LogCapture() {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().capture = nullptr;
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
+  theLog().capture = nullptr;
+  theLog().discards = false;
 }
 
 std::vector<LogLine> LogCapture::lines() const {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
   return lines_;
 }
 
@@ -129,24 +125,24 @@ std::vector<LogLine> LogCapture::linesOf(const std::string& file,
 }
 
 std::vector<LogLine> LogCapture::take() {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
   return std::exchange(lines_, {});
 }
 
 std::size_t LogCapture::count() const {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
   return count_;
 }
 
 std::size_t LogCapture::count(const std::string& text) const {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
   return linesWith(text);
 }
 
 bool LogCapture::waitFor(const std::string& text) const {
-  std::unique_lock<std::mutex> lock(platform().mutex);
-  return platform().logged.wait_for(lock, std::chrono::seconds(10),
-                                    [&] { return linesWith(text) > 0; });
+  std::unique_lock<std::mutex> lock(theLog().mutex);
+  return theLog().changed.wait_for(lock, std::chrono::seconds(10),
+                                   [&] { return linesWith(text) > 0; });
 }
 
 std::size_t LogCapture::linesWith(const std::string& text) const {
@@ -159,41 +155,17 @@ void LogCapture::add(int priority, const char* tag, const char* text) {
   ++count_;
   if (mode_ == Keeping) {
     lines_.push_back({priority, tag, withoutLineNumber(text), std::chrono::steady_clock::now()});
-    platform().logged.notify_all();
+    theLog().changed.notify_all();
   }
 }
 
 SlowLog::SlowLog(const char* text, std::chrono::milliseconds delay) {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().slow_text = text;
-  platform().slowness = delay;
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
+  theLog().slow_text = text;
+  theLog().delay = delay;
 }
 
 SlowLog::~SlowLog() {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().slowness = std::chrono::milliseconds(0);
-}
-
-Device::Device(bool knows_lens, bool lens) : knows_lens_(knows_lens), lens_(lens) {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().device = this;
-}
-
-Device::~Device() {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  platform().device = nullptr;
-}
-
-std::vector<Device::Question> Device::questions() const {
-  const std::lock_guard<std::mutex> lock(platform().mutex);
-  return questions_;
-}
-
-int Device::answer(const char* key, bool* value) {
-  questions_.push_back({key, std::chrono::steady_clock::now()});
-  if (!knows_lens_) {
-    return -1;
-  }
-  *value = lens_;
-  return 0;
+  const std::lock_guard<std::mutex> lock(theLog().mutex);
+  theLog().delay = std::chrono::milliseconds(0);
 }
