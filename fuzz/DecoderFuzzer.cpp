@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any bytes as a request to the library's server, and as a reply to each of its calls, over real
-// connections: those that can be decoded count with the value that a reader of its own finds, and
-// the others fail.
+// Random bytes as a request to the library's server, and as the answer to each of its calls, over
+// real connections: the library decodes the same value as a second decoder, or the call fails.
 #include <grpcpp/create_channel.h>
 #include <grpcpp/generic/generic_stub.h>
 
@@ -10,14 +9,15 @@
 #include <future>
 #include <memory>
 
-#include "Device.h"
 #include "Finding.h"
 #include "GrpcServer.h"
-#include "Peers.h"
 #include "RobotCommands.h"
 #include "WireReader.h"
+#include "support/LogCapture.h"
+#include "support/RawPeer.h"
 #include "support/TestProcess.h"
 
+namespace fuzz {
 namespace {
 
 constexpr int kUnknown = -1073741824;
@@ -25,10 +25,10 @@ constexpr int kConnectionFailed = -29398954;
 
 Read expectedRead(const std::string& bytes) {
   const Read read = readIntMessage(bytes);
-  if (read.kind != Read::Odd) {
+  if (read.kind != Read::Undefined) {
     return read;
   }
-  // Protobuf may decide, as long as it decides the same everywhere.
+  // Any value of protobuf's is right, as long as it is the same everywhere.
   IntMessage message;
   return message.ParseFromString(bytes) ? Read{Read::Good, message.x()} : Read{Read::Bad, 0};
 }
@@ -45,36 +45,36 @@ void onPress(int id, int state, void* /*data*/) {
   last_state = state;
 }
 
-struct World {
-  Peer robot{MURLINK_ROBOT_ENDPOINT};
-  Peer display{tv_server_address};
+struct Session {
+  LogCapture log;
+  RawPeer robot{MURLINK_ROBOT_ENDPOINT};
+  RawPeer display{tv_server_address};
   std::unique_ptr<grpc::GenericStub> library;
 };
 
-void stopWorld();
+void finalizeSession();
 
-World* startedWorld() {
-  auto* const made = new World;
-  if (foot_touch_initialize() != 0 || !device::hasLogged("Server listening on")) {
+Session* startSession() {
+  auto* const started = new Session;
+  if (foot_touch_initialize() != 0 || !started->log.waitFor("Server listening on")) {
     finding("foot touch does not start");
   }
   foot_touch_set_button_cb(onPress, nullptr);
-  made->library = std::make_unique<grpc::GenericStub>(
+  started->library = std::make_unique<grpc::GenericStub>(
       grpc::CreateChannel(MURLINK_CALLBACK_ENDPOINT, grpc::InsecureChannelCredentials()));
-  // While there still is a robot to tell.
-  std::atexit(stopWorld);
-  return made;
+  std::atexit(finalizeSession);
+  return started;
 }
 
-// Foot touch is on from the first input to the last. Made late, because the fuzzer starts processes
-// of its own that have no input; never destroyed, because gRPC's threads may outlive main().
-World& world() {
-  static auto* const made = startedWorld();
-  return *made;
+// Foot touch is initialised from the first input to the last: not earlier, because the fuzzer also
+// starts processes without input. Never destroyed, because gRPC's threads may outlive main().
+Session& session() {
+  static auto* const started = startSession();
+  return *started;
 }
 
-void stopWorld() {
-  world().robot.answersWith({});
+void finalizeSession() {
+  session().robot.answerWith({});
   foot_touch_finalize();
 }
 
@@ -85,8 +85,8 @@ grpc::Status send(const std::string& rpc, const grpc::ByteBuffer& request,
   grpc::ClientContext context;
   context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(5));
   std::promise<grpc::Status> ended;
-  world().library->UnaryCall(&context, "/zet.protobuf.app.Quarlo_RB_GRPC/" + rpc, {}, &request,
-                             &reply, [&ended](const grpc::Status& s) { ended.set_value(s); });
+  session().library->UnaryCall(&context, "/zet.protobuf.app.Quarlo_RB_GRPC/" + rpc, {}, &request,
+                               &reply, [&ended](const grpc::Status& s) { ended.set_value(s); });
   return ended.get_future().get();
 }
 
@@ -108,18 +108,15 @@ void press(const std::string& rpc, int state, const std::string& bytes) {
 
 // ---- Replies
 
-// The log shows an unknown answer as it came.
-void expectShown(int s) {
-  const std::string text = device::takeText();
+// The log shows an unknown answer's number.
+void expectLogged(int s) {
   const std::string line = "unknown cause to failure, error code " + std::to_string(s) + "\n";
-  if (text.find(line) == std::string::npos) {
-    finding("no line says: " + line + text);
-  }
+  expectEqual(session().log.has(line), true, line.c_str());
 }
 
 void command(int (*call)(), const RobotCommand& command, const std::string& bytes) {
   const Read expected = expectedRead(bytes);
-  world().robot.answersWith({grpc::StatusCode::OK, bytes});
+  session().robot.answerWith({grpc::StatusCode::OK, bytes});
   const auto status =
       expected.kind == Read::Good ? grpc::StatusCode::OK : grpc::StatusCode::INTERNAL;
   const int result = resultOf(command, status, expected.value);
@@ -127,33 +124,33 @@ void command(int (*call)(), const RobotCommand& command, const std::string& byte
   expectEqual(call(), result, command.rpc);
 
   if (result == command.results.unknown) {
-    expectShown(expected.value);
+    expectLogged(expected.value);
   }
 }
 
 void setButtons(const std::string& bytes) {
   const Read expected = expectedRead(bytes);
-  world().display.answersWith({grpc::StatusCode::OK, bytes});
+  session().display.answerWith({grpc::StatusCode::OK, bytes});
   const int answered = expected.value == 0 ? 0 : kUnknown;
   const int result = expected.kind == Read::Good ? answered : kConnectionFailed;
 
   expectEqual(foot_touch_set_buttons(nullptr, 0), result, "setButtons");
 
   if (result == kUnknown) {
-    expectShown(expected.value);
+    expectLogged(expected.value);
   }
 }
 
 void syncAddress(const std::string& bytes) {
   const Read expected = expectedRead(bytes);
-  world().display.answersWith({grpc::StatusCode::OK, bytes});
+  session().display.answerWith({grpc::StatusCode::OK, bytes});
 
   expectEqual(FootTouch_Server::_instance->sync_address(),
               expected.kind == Read::Good && expected.value == 0, "sync_address");
 }
 
-void decode(unsigned way, const std::string& bytes) {
-  switch (way) {
+void decode(unsigned call, const std::string& bytes) {
+  switch (call) {
     case 0:
       return press("service_On", 1, bytes);
     case 1:
@@ -174,17 +171,18 @@ void decode(unsigned way, const std::string& bytes) {
 }
 
 }  // namespace
+}  // namespace fuzz
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
   prepareTestProcess();
   return 0;
 }
 
-// The first byte picks the way, the others are what is sent.
+// The first byte selects the direction and the call, the others are sent.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   if (size > 0) {
-    decode(bytes[0] % 8, std::string(reinterpret_cast<const char*>(bytes + 1), size - 1));
-    device::takeLines();
+    fuzz::decode(bytes[0] % 8, std::string(reinterpret_cast<const char*>(bytes + 1), size - 1));
+    fuzz::session().log.take();
   }
   return 0;
 }

@@ -6,7 +6,9 @@
 #include <iostream>
 #include <string>
 
-// Ends the process, whereupon the fuzzer keeps the input that led here.
+namespace fuzz {
+
+// Aborts the process; the fuzzer then saves the input that led here.
 [[noreturn]] inline void finding(const std::string& what) {
   std::cerr << "== finding: " << what << std::endl;
   std::abort();
@@ -19,5 +21,7 @@ void expectEqual(const A& seen, const B& expected, const char* what) {
     finding(what);
   }
 }
+
+}  // namespace fuzz
 
 #endif

@@ -1,46 +1,48 @@
 // SPDX-License-Identifier: Apache-2.0
-// Any order of the public functions and of presses, with peers that answer anything: every result,
-// everything sent, and the state in between are what the model says. Peers that keep silent are
-// left out, because each costs a call its whole deadline; one that sends that status stands in for
-// them.
+// Public functions and presses in random order, with peers that answer at random: every result, every
+// call to a peer and the state in between match the model. A peer that never answers would cost a
+// call its whole deadline; one that answers DEADLINE_EXCEEDED replaces it.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <stdexcept>
 
-#include "Device.h"
 #include "Finding.h"
 #include "FootTouchAPI.h"
 #include "FootTouchModel.h"
 #include "FootTouchServerManager.h"
 #include "GrpcServer.h"
-#include "Peers.h"
 #include "Presses.h"
+#include "support/Device.h"
 #include "support/LayoutModel.h"
+#include "support/LogCapture.h"
+#include "support/PressClient.h"
+#include "support/RawPeer.h"
 #include "support/TestProcess.h"
 
+namespace fuzz {
 namespace {
 
 // ---- The peers
 
-std::string takeCalls(Peer& peer) {
+std::string takeCalls(RawPeer& peer) {
   std::string calls;
-  for (const Call& call : peer.takeCalls()) {
+  for (const RawPeer::Call& call : peer.takeCalls()) {
     calls += call.rpc + ":" + call.bytes + "\n";
   }
   return calls;
 }
 
-Answer answerOf(const Reply& reply) {
+RawPeer::Answer answerOf(const Reply& reply) {
   StatusResponse message;
   message.set_s(reply.s);
   return {reply.status, message.SerializeAsString()};
 }
 
-// ---- One input: a process from its beginning to its end
+// ---- One input: a process from start to end
 
 class Session {
  public:
-  Session(FuzzedDataProvider& data, Peer& robot, Peer& display)
+  Session(FuzzedDataProvider& data, RawPeer& robot, RawPeer& display)
       : data_(data), robot_(robot), display_(display) {}
   ~Session();
   Session(const Session&) = delete;
@@ -50,8 +52,9 @@ class Session {
 
  private:
   FuzzedDataProvider& data_;
-  Peer& robot_;
-  Peer& display_;
+  RawPeer& robot_;
+  RawPeer& display_;
+  LogCapture log_;
   FootTouchModel model_{address};
   Reply robot_reply_{};
   Reply display_reply_{};
@@ -69,7 +72,7 @@ class Session {
   void press();
 };
 
-// Back to a process that has called nothing yet; only the channel to the robot stays.
+// Restores the state of a process that has called nothing; only the channel to the robot stays.
 Session::~Session() {
   FootTouch_Server::releaseInstance(1);
   delete FootTouchServerManager::_instance;
@@ -78,14 +81,13 @@ Session::~Session() {
   FootTouchGrpcClient::setInstance(nullptr);
   footTouchClient = nullptr;
   is_initialized = false;
-  device::takeLines();
 }
 
 void Session::step() {
   robot_reply_ = someReply();
   display_reply_ = someReply();
-  robot_.answersWith(answerOf(robot_reply_));
-  display_.answersWith(answerOf(display_reply_));
+  robot_.answerWith(answerOf(robot_reply_));
+  display_.answerWith(answerOf(display_reply_));
 
   operate();
 
@@ -119,7 +121,7 @@ void Session::operate() {
   }
 }
 
-// Good ones more often than not, or no input would get far.
+// Mostly success, or few inputs would get far.
 Reply Session::someReply() {
   switch (data_.ConsumeIntegralInRange(0, 9)) {
     case 0:
@@ -135,15 +137,15 @@ Reply Session::someReply() {
 
 void Session::check(int result, const Outcome& expected) {
   expectEqual(result, expected.result, "a result");
-  expectEqual(takeCalls(display_), expected.to_display, "what the display was sent");
-  expectEqual(takeCalls(robot_), expected.to_robot, "what the robot was sent");
+  expectEqual(takeCalls(display_), expected.to_display, "the calls to the display");
+  expectEqual(takeCalls(robot_), expected.to_robot, "the calls to the robot");
 }
 
 void Session::initialize() {
   const bool lens = data_.ConsumeIntegralInRange(0, 9) != 0;
-  device::setLens(lens);
+  const Device device(lens, false);
   if (!model_.listens()) {
-    device::takeLines();
+    log_.take();
   }
   check(foot_touch_initialize(), model_.initialize(display_reply_, robot_reply_, lens));
 }
@@ -182,7 +184,7 @@ void Session::setTooFewButtons() {
   } catch (const std::length_error&) {
     return check(0, {0, "", ""});
   }
-  finding("a negative number of buttons was taken");
+  finding("a negative number of buttons was accepted");
 }
 
 void Session::setCallback() {
@@ -190,7 +192,7 @@ void Session::setCallback() {
   if (data_.ConsumeIntegralInRange(0, 3) != 0) {
     callback = {data_.ConsumeIntegralInRange(0, 1), data_.ConsumeIntegralInRange(0, 2)};
   }
-  set(callback);
+  setButtonCallback(callback);
   model_.setCallback(callback);
   check(0, {0, "", ""});
 }
@@ -205,28 +207,30 @@ void Session::gesture() {
                                   {stop_gesture_recognition, kGestureStop},
                                   {gesture_recognition_finalize, kGestureOff}};
   const Row& row = kRows[data_.ConsumeIntegralInRange(0, 3)];
-  check(row.call(), ask(row.command, robot_reply_));
+  check(row.call(), outcomeOf(row.command, robot_reply_));
 }
 
 void Session::press() {
   const int id = data_.ConsumeIntegral<int>();
   const bool on = data_.ConsumeBool();
-  if (model_.listens() && !device::hasLogged("Server listening on")) {
+  if (model_.listens() && !log_.waitFor("Server listening on")) {
     finding("the server does not listen");
   }
   StatusResponse response;
-  const grpc::Status status = report(id, on, response);
+  const auto rpc = on ? &PressClient::Stub::service_On : &PressClient::Stub::service_Off;
+  const grpc::Status status = PressClient(address).call(rpc, id, response);
 
   const bool delivered = model_.listens() && model_.callback();
   expectEqual(status.error_code(),
               model_.listens() ? grpc::StatusCode::OK : grpc::StatusCode::UNAVAILABLE,
               "the status of a press");
   expectEqual(response.s(), model_.listens() && !delivered ? 4 : 0, "the answer to a press");
-  expectEqual(takePressed(), delivered ? pressOf(*model_.callback(), id, on ? 1 : 0) : "",
-              "what the callback was told");
+  expectEqual(takeRecords(), delivered ? recordOf(*model_.callback(), id, on ? 1 : 0) : "",
+              "what the callback recorded");
 }
 
 }  // namespace
+}  // namespace fuzz
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
   prepareTestProcess();
@@ -235,10 +239,10 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   // Never destroyed: gRPC's threads may outlive main().
-  static auto* const robot = new Peer(MURLINK_ROBOT_ENDPOINT);
-  static auto* const display = new Peer(tv_server_address);
+  static auto* const robot = new RawPeer(MURLINK_ROBOT_ENDPOINT);
+  static auto* const display = new RawPeer(tv_server_address);
   FuzzedDataProvider data(bytes, size);
-  Session session(data, *robot, *display);
+  fuzz::Session session(data, *robot, *display);
   for (int i = 0; i < 12 && data.remaining_bytes() > 0; ++i) {
     session.step();
   }

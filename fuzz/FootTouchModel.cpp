@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FootTouchModel.h"
 
+namespace fuzz {
 namespace {
 
 constexpr int kNotInitialized = 4;
@@ -16,14 +17,14 @@ bool isDone(const Reply& reply) {
 
 }  // namespace
 
-Outcome ask(const RobotCommand& command, const Reply& robot) {
+Outcome outcomeOf(const RobotCommand& command, const Reply& robot) {
   return {resultOf(command, robot.status, robot.s), "",
           std::string(command.rpc) + ":" + requestOf(command) + "\n"};
 }
 
-// False when there is no server to go on with.
+// False when there is no server afterwards.
 bool FootTouchModel::run(const Reply& display, std::string& to_display) {
-  if (server_ == Server::Held || server_ == Server::Running) {
+  if (server_ == Server::WithCallback || server_ == Server::Running) {
     return true;
   }
   const auto length = static_cast<char>(callback_address_.size());
@@ -41,7 +42,7 @@ Outcome FootTouchModel::initialize(const Reply& display, const Reply& robot, boo
   if (!run(display, outcome.to_display)) {
     return outcome;
   }
-  const Outcome on = ask(kFootTouchOn, robot);
+  const Outcome on = outcomeOf(kFootTouchOn, robot);
   outcome.to_robot = on.to_robot;
   outcome.result = lens ? on.result : kNotSupported;
   initialized_ = outcome.result == 0;
@@ -52,11 +53,11 @@ Outcome FootTouchModel::finalize(const Reply& robot) {
   if (!initialized_) {
     return {kNotInitialized, "", ""};
   }
-  if (server_ != Server::Spare) {
+  if (server_ != Server::Created) {
     server_ = Server::None;
     callback_.reset();
   }
-  const Outcome off = ask(kFootTouchOff, robot);
+  const Outcome off = outcomeOf(kFootTouchOff, robot);
   initialized_ = off.result != 0;
   return off;
 }
@@ -67,9 +68,9 @@ Outcome FootTouchModel::setButtons(const std::optional<std::string>& bytes, cons
   }
   switch (server_) {
     case Server::None:
-    case Server::Spare:
+    case Server::Created:
       return {kServerNotReady, "", ""};
-    case Server::Held:
+    case Server::WithCallback:
       return {kConnectionFailed, "", ""};
     case Server::Running:
       break;
@@ -81,18 +82,20 @@ Outcome FootTouchModel::setButtons(const std::optional<std::string>& bytes, cons
 
 void FootTouchModel::setCallback(const std::optional<Callback>& callback) {
   if (server_ != Server::Running) {
-    server_ = Server::Held;
+    server_ = Server::WithCallback;
   }
   callback_ = callback;
 }
 
 Outcome FootTouchModel::start(const Reply& robot) {
   if (server_ == Server::None) {
-    server_ = Server::Spare;
+    server_ = Server::Created;
   }
-  return client_ ? ask(kFootTouchStart, robot) : Outcome{kNotInitialized, "", ""};
+  return client_ ? outcomeOf(kFootTouchStart, robot) : Outcome{kNotInitialized, "", ""};
 }
 
 Outcome FootTouchModel::stop(const Reply& robot) {
-  return client_ ? ask(kFootTouchStop, robot) : Outcome{kNotInitialized, "", ""};
+  return client_ ? outcomeOf(kFootTouchStop, robot) : Outcome{kNotInitialized, "", ""};
 }
+
+}  // namespace fuzz

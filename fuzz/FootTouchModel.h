@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Foot touch as its users see it: which state a process is in, and what each function then sends
-// and returns.
+// A model of foot touch as its users see it: the state of the process, and what each function sends
+// and returns in that state.
 #ifndef MURLINK_FUZZ_FOOT_TOUCH_MODEL_H
 #define MURLINK_FUZZ_FOOT_TOUCH_MODEL_H
 
@@ -12,7 +12,9 @@
 
 #include "RobotCommands.h"
 
-// How a side answers whatever it is asked.
+namespace fuzz {
+
+// How a side answers every call.
 struct Reply {
   grpc::StatusCode status;
   int s;
@@ -24,16 +26,16 @@ struct Callback {
   int data;
 };
 
-// What a call comes to: its result, and the one call that each side gets, as "rpc:bytes" and a
-// newline, or nothing.
+// What a public function does: its result, and the one call that each side receives, as "rpc:bytes"
+// and a newline, or nothing.
 struct Outcome {
   int result;
   std::string to_display;
   std::string to_robot;
 };
 
-// What a command comes to that is sent in any case.
-Outcome ask(const RobotCommand& command, const Reply& robot);
+// Of a command that is sent in every state.
+Outcome outcomeOf(const RobotCommand& command, const Reply& robot);
 
 class FootTouchModel {
  public:
@@ -42,7 +44,7 @@ class FootTouchModel {
 
   Outcome initialize(const Reply& display, const Reply& robot, bool lens);
   Outcome finalize(const Reply& robot);
-  // `bytes` is the layout on its way to the display; none when it must be refused.
+  // `bytes` is the encoded layout; none when it must be refused.
   Outcome setButtons(const std::optional<std::string>& bytes, const Reply& display);
   void setCallback(const std::optional<Callback>& callback);
   Outcome start(const Reply& robot);
@@ -55,9 +57,9 @@ class FootTouchModel {
   const std::optional<Callback>& callback() const { return callback_; }
 
  private:
-  // A spare one was made by a start, and the next initialisation takes it over. A held one was made
-  // to keep a callback: initialisation takes it for one that runs.
-  enum class Server { None, Spare, Held, Running };
+  // start_foot_touch() creates one that the next initialisation runs. foot_touch_set_button_cb()
+  // creates one that keeps the callback, and that initialisation takes for a running one.
+  enum class Server { None, Created, WithCallback, Running };
 
   const std::string callback_address_;
   bool initialized_ = false;
@@ -67,5 +69,7 @@ class FootTouchModel {
 
   bool run(const Reply& display, std::string& to_display);
 };
+
+}  // namespace fuzz
 
 #endif

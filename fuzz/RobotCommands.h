@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the public functions that command the robot side send, and what its answers come to: written
-// down once more, so that the library is held against something.
+// What the public functions send to the robot side, and which results its answers become: a model,
+// independent of the library, to compare it with.
 #ifndef MURLINK_FUZZ_ROBOT_COMMANDS_H
 #define MURLINK_FUZZ_ROBOT_COMMANDS_H
 
@@ -8,7 +8,9 @@
 
 #include <string>
 
-// The results that a feature's commands share.
+namespace fuzz {
+
+// The results that all commands of a feature share.
 struct FeatureResults {
   int gone;
   int unknown;
@@ -22,7 +24,7 @@ constexpr FeatureResults kGestureResults{8, 7, 5, 26710};
 struct RobotCommand {
   const char* rpc;
   char feature;  // the request's x
-  int already;   // the result when the robot says so
+  int already;   // the result when the robot answers 1
   const FeatureResults& results;
 };
 
@@ -52,9 +54,11 @@ inline int resultOf(const RobotCommand& command, grpc::StatusCode status, int s)
   return s == 3 ? command.results.gone : command.results.unknown;
 }
 
-// What the request's bytes are: field 1 as a varint below 128.
+// The bytes of the request: field 1 as a varint below 128.
 inline std::string requestOf(const RobotCommand& command) {
   return {'\x08', command.feature};
 }
+
+}  // namespace fuzz
 
 #endif

@@ -3,9 +3,10 @@
 
 #include <optional>
 
+namespace fuzz {
 namespace {
 
-// Groups inside groups: beyond this, how many are too many is up to the reader.
+// How deeply groups may nest is left to each decoder.
 constexpr int kDeepest = 50;
 
 class WireReader {
@@ -28,7 +29,7 @@ class WireReader {
     return false;
   }
 
-  // Up to the end of the group, or of the message when there is none. False when it is over early.
+  // Up to the end of the group, or of the message when there is none. False when it ended early.
   bool readFields(std::optional<std::uint64_t> group, int depth) {
     while (at_ < bytes_.size()) {
       std::uint64_t tag = 0;
@@ -37,7 +38,7 @@ class WireReader {
         return false;
       }
       if (at_ - begin > 4) {
-        return stop(Read::Odd);  // wider than any tag that is in use
+        return stop(Read::Undefined);  // wider than any valid tag
       }
       if (tag >> 3 == 0) {
         return stop(Read::Bad);
@@ -68,7 +69,7 @@ class WireReader {
       case 2:
         return varint(number) && skip(number);
       case 3:
-        return depth < kDeepest ? readFields(tag >> 3, depth + 1) : stop(Read::Odd);
+        return depth < kDeepest ? readFields(tag >> 3, depth + 1) : stop(Read::Undefined);
       case 5:
         return skip(4);
       default:
@@ -84,7 +85,7 @@ class WireReader {
     return true;
   }
 
-  // Ten bytes at most; of the last, what goes beyond 64 bits is lost.
+  // Ten bytes at most; bits beyond the 64th are dropped.
   bool varint(std::uint64_t& number) {
     number = 0;
     for (unsigned shift = 0; shift < 70 && at_ < bytes_.size(); shift += 7) {
@@ -103,3 +104,5 @@ class WireReader {
 Read readIntMessage(const std::string& bytes) {
   return WireReader(bytes).read();
 }
+
+}  // namespace fuzz

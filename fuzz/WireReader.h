@@ -1,22 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reads a message whose one field is an int32 with the number 1, as the encoding is defined; shares
-// no code with protobuf.
+// Decodes a message whose only field is an int32 with the number 1, without protobuf's code.
 #ifndef MURLINK_FUZZ_WIRE_READER_H
 #define MURLINK_FUZZ_WIRE_READER_H
 
 #include <cstdint>
 #include <string>
 
+namespace fuzz {
+
 struct Read {
   enum Kind {
     Good,
     Bad,
-    Odd,  // the encoding leaves open what becomes of it
+    Undefined,  // the encoding does not define the value
   };
   Kind kind;
   int value;
 };
 
 Read readIntMessage(const std::string& bytes);
+
+}  // namespace fuzz
 
 #endif

@@ -33,9 +33,11 @@ Log& theLog() {
 LogLine line(int priority, std::string_view separator, std::string_view origin,
              std::string_view body) {
   const auto colon = origin.find(": ");
-  std::string text(origin.substr(0, colon));
-  text.append(separator).append(origin.substr(colon + 2)).append("(#) > ").append(body);
-  return {priority, "murlink", text + "\n", {}};
+  std::string text;
+  text.reserve(origin.size() + body.size() + 16);
+  text.append(origin.substr(0, colon)).append(separator).append(origin.substr(colon + 2));
+  text.append("(#) > ").append(body).append("\n");
+  return {priority, "murlink", std::move(text), {}};
 }
 
 // "File.cpp: function(#) > body" for "File.cpp: function(12) > body".

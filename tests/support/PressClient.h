@@ -18,11 +18,11 @@ class PressClient {
   using Rpc = grpc::Status (Stub::*)(grpc::ClientContext*, const IntMessage&, StatusResponse*);
   using Time = std::chrono::system_clock::time_point;
 
-  explicit PressClient(const std::string& address) {
+  explicit PressClient(const std::string& endpoint) {
     grpc::ChannelArguments own_connection;
     own_connection.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
     channel_ =
-        grpc::CreateCustomChannel(address, grpc::InsecureChannelCredentials(), own_connection);
+        grpc::CreateCustomChannel(endpoint, grpc::InsecureChannelCredentials(), own_connection);
     stub_ = zet::protobuf::app::Quarlo_RB_GRPC::NewStub(channel_);
   }
 
