@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The clock that every process of this machine shares.
+// The clock that all processes of this machine share.
 #ifndef MURLINK_BENCH_CLOCK_H
 #define MURLINK_BENCH_CLOCK_H
 

@@ -4,6 +4,7 @@
 
 #include "Application.h"
 #include "FootTouchServerManager.h"
+#include "UnreadLog.h"
 
 namespace bench {
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The moment at which a press was sent, as its button id: so the other process knows how long it
-// was on its way. Good for one second on the way, twice over.
+// The time at which a press was sent, as its button id, from which the receiving process computes its
+// latency. Unambiguous for two seconds.
 #ifndef MURLINK_BENCH_STAMP_H
 #define MURLINK_BENCH_STAMP_H
 
@@ -10,7 +10,7 @@
 
 namespace bench {
 
-constexpr int kNoStamp = 0;  // of presses that are not to be measured
+constexpr int kNoStamp = 0;  // of presses that are not measured
 constexpr std::uint32_t kStampBits = 0x7FFFFFFF;
 
 inline std::uint32_t now31() {

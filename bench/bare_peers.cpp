@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Plays robot and display for both versions of everything: answers 0 to every call, at once, until
-// its input ends.
+// Robot and display for both versions of the application: answers 0 to every call, at once, until its
+// input ends. Made of the generated services, not of the tests' RawPeer: that keeps every request and
+// decodes none, which changes what a call with a large layout costs.
 #include <grpcpp/server_builder.h>
 
 #include <cstdio>
@@ -76,6 +77,6 @@ int main() {
   }
   std::puts("{\"ready\": true}");
   std::fflush(stdout);
-  std::cin.get();  // ends with the input
+  std::cin.get();  // returns at the end of the input
   return 0;
 }

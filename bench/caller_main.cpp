@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: library_caller | bare_caller CALLS [BUTTONS]
-// Starts recognition CALLS times, or sends a layout of BUTTONS, and tells how long a call took.
+// Starts recognition, or sends a layout of BUTTONS, CALLS times, and prints how long a call took.
 #include <cstdio>
 #include <exception>
 #include <iostream>

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// How long it takes to check a layout, beside a plain double loop over its pairs that applies the
-// same rules and logs the same lines.
+// How long it takes to check a layout, compared with a plain double loop over its pairs that applies
+// the same rules and logs the same lines.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 
 #include "FootTouchAPI.h"
 #include "Layout.h"
+#include "UnreadLog.h"
 #include "murlink_platform.h"
 
 namespace {

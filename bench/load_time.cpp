@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: load_time LIBRARY ...
-// Tells how long it takes to load libraries with all that they need, every symbol bound.
+// Prints how long it takes to load libraries and their dependencies, with every symbol bound.
 #include <dlfcn.h>
 
 #include <cstdio>

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle] [--watch]
-// Reports presses: M on each of N connections, after W that are not measured; one after the other,
-// or R a second in all, evenly. Tells how long they took: from the moment at which they were due,
-// so that a slow answer does not hide the wait of the next. With --idle it then stays connected
-// until its input ends; with --watch it watches its connections meanwhile, and so takes leave when
-// it is asked to.
-#include <grpcpp/create_channel.h>
+// Reports presses: M on each of N connections, after W that are not measured; one after the other, or
+// R a second in all, evenly. Prints how long they took since they were due, so that a slow answer does
+// not hide the wait of the next. With --idle it then stays connected until its input ends; with --watch
+// it also reads from its connections, and so closes them when the server asks for it.
 #include <pthread.h>
 #include <sys/prctl.h>
 
@@ -14,21 +12,19 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "Clock.h"
-#include "Quarlo_RB_Server.grpc.pb.h"
 #include "Samples.h"
 #include "Stamp.h"
+#include "support/PressClient.h"
 
 namespace {
 
 using bench::Clock;
-using zet::protobuf::app::Quarlo_RB_GRPC;
 
 struct Options {
   int clients = 1;
@@ -39,40 +35,28 @@ struct Options {
   bool watch = false;
 };
 
-// One connection.
-class Client {
+class Client : private PressClient {
  public:
-  Client() {
-    grpc::ChannelArguments own_connection;
-    own_connection.SetInt(GRPC_ARG_USE_LOCAL_SUBCHANNEL_POOL, 1);
-    channel_ = grpc::CreateCustomChannel(BENCH_CALLBACK, grpc::InsecureChannelCredentials(),
-                                         own_connection);
-    stub_ = Quarlo_RB_GRPC::NewStub(channel_);
-    if (!channel_->WaitForConnected(std::chrono::system_clock::now() + std::chrono::seconds(30))) {
-      throw std::runtime_error("nobody listens on " BENCH_CALLBACK);
+  Client() : PressClient(BENCH_CALLBACK) {
+    if (!connect(std::chrono::seconds(30))) {
+      throw std::runtime_error("nothing listens on " BENCH_CALLBACK);
     }
   }
 
-  // Watches the connection for so long; false as soon as it is gone.
+  // Watches the connection for so long; false as soon as it is closed.
   bool staysConnected(std::chrono::milliseconds duration) {
-    return !channel_->WaitForStateChange(GRPC_CHANNEL_READY,
+    return !channel().WaitForStateChange(GRPC_CHANNEL_READY,
                                          std::chrono::system_clock::now() + duration);
   }
 
+  // Without a deadline, whose timer would be measured too.
   void press(int id) {
-    grpc::ClientContext context;
-    IntMessage request;
-    request.set_x(id);
     StatusResponse response;
-    const grpc::Status status = stub_->service_On(&context, request, &response);
+    const grpc::Status status = call(&Stub::service_On, id, response, Time::max());
     if (!status.ok() || response.s() != 0) {
       throw std::runtime_error("a press failed: " + status.error_message());
     }
   }
-
- private:
-  std::shared_ptr<grpc::Channel> channel_;
-  std::unique_ptr<Quarlo_RB_GRPC::Stub> stub_;
 };
 
 class Recogniser {
@@ -83,7 +67,7 @@ class Recogniser {
                      static_cast<std::size_t>(options.presses)),
         clients_(static_cast<std::size_t>(options.clients)) {
     pthread_barrier_init(&warm_, nullptr, static_cast<unsigned>(options.clients));
-    prctl(PR_SET_TIMERSLACK, 1);  // for presses that are due
+    prctl(PR_SET_TIMERSLACK, 1);  // wakes up on time for presses
   }
   ~Recogniser() { pthread_barrier_destroy(&warm_); }
   Recogniser(const Recogniser&) = delete;
@@ -135,7 +119,7 @@ class Recogniser {
     for (int i = 0; i < options_.warm_up; ++i) {
       client.press(bench::kNoStamp);
     }
-    // One of them is told to; all of them go on at about that time.
+    // All threads continue at about the same time; one of them takes it.
     if (pthread_barrier_wait(&warm_) == PTHREAD_BARRIER_SERIAL_THREAD) {
       begin_ = Clock::now();
     }

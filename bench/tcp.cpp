@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: tcp ROUNDS
-// Tells how long a few bytes take to another process and back over a plain TCP connection: what no
-// remote call can be faster than.
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
+// Prints the round-trip time of a few bytes to another process over a plain TCP connection, the lower
+// limit for any remote call.
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,62 +17,37 @@
 
 #include "Clock.h"
 #include "Samples.h"
+#include "support/Listener.h"
+#include "support/Socket.h"
 
 namespace {
 
-// About what a press and its answer have as HTTP/2 frames.
+constexpr const char* kHost = "127.0.0.1";
+
+// About as long as the HTTP/2 frames of a press.
 using Message = std::array<char, 64>;
 
-int checked(int result, const char* what) {
-  if (result < 0) {
-    throw std::system_error(errno, std::generic_category(), what);
-  }
-  return result;
-}
-
-int makeSocket() {
-  const int made = checked(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0), "socket");
-  const int yes = 1;
-  setsockopt(made, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-  return made;
-}
-
-// Whole messages; false once the other end has closed.
-bool send(int connection, const Message& message) {
-  return write(connection, message.data(), message.size()) == static_cast<ssize_t>(message.size());
-}
-
-bool receive(int connection, Message& message) {
-  return recv(connection, message.data(), message.size(), MSG_WAITALL) ==
+// Whole messages; false when the connection is closed.
+bool send(const Socket& connection, const Message& message) {
+  return write(connection.descriptor(), message.data(), message.size()) ==
          static_cast<ssize_t>(message.size());
 }
 
-void echo(int listener) {
-  const int connection = checked(accept(listener, nullptr, nullptr), "accept");
+bool receive(const Socket& connection, Message& message) {
+  return recv(connection.descriptor(), message.data(), message.size(), MSG_WAITALL) ==
+         static_cast<ssize_t>(message.size());
+}
+
+void echo(const Listener& listener) {
+  const Socket connection = listener.accept();
   Message message{};
   while (receive(connection, message) && send(connection, message)) {
   }
 }
 
-void run(int rounds) {
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t size = sizeof address;
-  auto* const generic = reinterpret_cast<sockaddr*>(&address);
-  const int listener = makeSocket();
-  checked(bind(listener, generic, size), "bind");
-  checked(listen(listener, 1), "listen");
-  checked(getsockname(listener, generic, &size), "getsockname");
-
-  const pid_t child = checked(fork(), "fork");
-  if (child == 0) {
-    echo(listener);
-    _exit(0);
-  }
-  const int connection = makeSocket();
-  checked(connect(connection, generic, size), "connect");
-  bench::Samples round_trips(static_cast<std::size_t>(rounds));
+void measure(const Listener& listener, int rounds, bench::Samples& round_trips) {
+  const Socket connection;
+  connection.connectTo(kHost, listener.port());
   Message message{};
   for (int i = 0; i < rounds; ++i) {
     const auto begin = bench::Clock::now();
@@ -84,7 +56,20 @@ void run(int rounds) {
     }
     round_trips.add(bench::nanosecondsSince(begin));
   }
-  close(connection);
+}
+
+void run(int rounds) {
+  const Listener listener(kHost, 0);
+  const pid_t child = fork();
+  if (child < 0) {
+    throw std::system_error(errno, std::generic_category(), "fork");
+  }
+  if (child == 0) {
+    echo(listener);
+    _exit(0);
+  }
+  bench::Samples round_trips(static_cast<std::size_t>(rounds));
+  measure(listener, rounds, round_trips);  // closes its connection, so the child ends
   waitpid(child, nullptr, 0);
   std::printf("{\"p50_ns\": %ld, \"p99_ns\": %ld}\n", round_trips.quantile(0.5),
               round_trips.quantile(0.99));
