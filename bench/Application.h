@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// An application that uses foot touch, in two versions with the same peers, port and schema: with the
-// library, and with the simplest gRPC code that does the same.
+// An application that uses foot touch, in two versions with the same peers, port and schema: with
+// the library, and with the simplest gRPC code that does the same.
 #ifndef MURLINK_BENCH_APPLICATION_H
 #define MURLINK_BENCH_APPLICATION_H
 

@@ -22,8 +22,8 @@ class Samples {
     }
   }
 
-  // The sample below which a `share` of 0 to 1 of them lie; 0 when there are none. Not while samples
-  // are added.
+  // The sample below which a `share` of 0 to 1 of them lie; 0 when there are none. Not while
+  // samples are added.
   std::int64_t quantile(double share) {
     const auto end = all_.begin() + static_cast<std::ptrdiff_t>(count());
     if (end == all_.begin()) {

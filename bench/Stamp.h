@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The time at which a press was sent, as its button id, from which the receiving process computes its
-// latency. Unambiguous for two seconds.
+// The time at which a press was sent, as its button id, from which the receiving process computes
+// its latency. Unambiguous for two seconds.
 #ifndef MURLINK_BENCH_STAMP_H
 #define MURLINK_BENCH_STAMP_H
 

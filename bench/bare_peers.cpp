@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Robot and display for both versions of the application: answers 0 to every call, at once, until its
-// input ends. Made of the generated services, not of the tests' RawPeer: that keeps every request and
-// decodes none, which changes what a call with a large layout costs.
+// Robot and display for both versions of the application: answers 0 to every call, at once, until
+// its input ends. Made of the generated services, not of the tests' RawPeer: that keeps every
+// request and decodes none, which changes what a call with a large layout costs.
 #include <grpcpp/server_builder.h>
 
 #include <cstdio>

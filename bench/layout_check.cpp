@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// How long it takes to check a layout, compared with a plain double loop over its pairs that applies
-// the same rules and logs the same lines.
+// How long it takes to check a layout, compared with a plain double loop over its pairs that
+// applies the same rules and logs the same lines.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: recogniser [--clients N] [--presses M] [--warm-up W] [--rate R] [--idle] [--watch]
-// Reports presses: M on each of N connections, after W that are not measured; one after the other, or
-// R a second in all, evenly. Prints how long they took since they were due, so that a slow answer does
-// not hide the wait of the next. With --idle it then stays connected until its input ends; with --watch
-// it also reads from its connections, and so closes them when the server asks for it.
+// Reports presses: M on each of N connections, after W that are not measured; one after the other,
+// or R a second in all, evenly. Prints how long they took since they were due, so that a slow
+// answer does not hide the wait of the next. With --idle it then stays connected until its input
+// ends; with --watch it also reads from its connections, and so closes them when the server asks
+// for it.
 #include <pthread.h>
 #include <sys/prctl.h>
 

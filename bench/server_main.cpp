@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: library_server | bare_server [SLEEP_MS]
-// Initialises, prints how long that took and which memory and threads it uses, receives presses until
-// its input ends, each for SLEEP_MS, finalises, and prints how long that took and the presses' latency.
+// Initialises, prints how long that took and which memory and threads it uses, receives presses
+// until its input ends, each for SLEEP_MS, finalises, and prints how long that took and the
+// presses' latency.
 #include <cstdio>
 #include <exception>
 #include <fstream>

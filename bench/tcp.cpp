@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Usage: tcp ROUNDS
-// Prints the round-trip time of a few bytes to another process over a plain TCP connection, the lower
-// limit for any remote call.
+// Prints the round-trip time of a few bytes to another process over a plain TCP connection, the
+// lower limit for any remote call.
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Random layouts, with numbers that touch, almost touch, or are not numbers: check_buttons() returns
-// and logs the same as the model.
+// Random layouts, with numbers that touch, almost touch, or are not numbers: check_buttons()
+// returns and logs the same as the model.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
@@ -69,8 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   FuzzedDataProvider data(bytes, size);
   const std::vector<button> layout = fuzz::someLayout(data);
   const Judgement expected = judgementOf(layout);
-  // Of the exact size on the heap, so that AddressSanitizer detects a read beyond it; NULL when it must
-  // not be read.
+  // Of the exact size on the heap, so that AddressSanitizer detects a read beyond it; NULL when it
+  // must not be read.
   const std::unique_ptr<button[]> buttons(layout.empty() ? nullptr : new button[layout.size()]);
   std::copy(layout.begin(), layout.end(), buttons.get());
   const int count =

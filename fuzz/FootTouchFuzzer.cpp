@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Public functions and presses in random order, with peers that answer at random: every result, every
-// call to a peer and the state in between match the model. A peer that never answers would cost a
-// call its whole deadline; one that answers DEADLINE_EXCEEDED replaces it.
+// Public functions and presses in random order, with peers that answer at random: every result,
+// every call to a peer and the state in between match the model. A peer that never answers would
+// cost a call its whole deadline; one that answers DEADLINE_EXCEEDED replaces it.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <stdexcept>

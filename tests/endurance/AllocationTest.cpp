@@ -17,8 +17,8 @@
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 
-// For LeakSanitizer: the code that gRPC generates for a service makes two objects in one expression,
-// and leaks the first when the second cannot be allocated.
+// For LeakSanitizer: the code that gRPC generates for a service makes two objects in one
+// expression, and leaks the first when the second cannot be allocated.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
   return "leak:Quarlo_RB_GRPC::Service::Service";

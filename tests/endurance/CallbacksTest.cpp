@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Unusual callbacks, allowed or not: they throw, block for 10 s, replace or clear themselves, or call
-// the library. ExitsTest has those that end the process.
+// Unusual callbacks, allowed or not: they throw, block for 10 s, replace or clear themselves, or
+// call the library. ExitsTest has those that end the process.
 #include <gmock/gmock.h>
 
 #include <array>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The wall clock, which deadlines are computed from, is set just before a call or while it waits: the
-// call is still answered, or ends by its deadline.
+// The wall clock, which deadlines are computed from, is set just before a call or while it waits:
+// the call is still answered, or ends by its deadline.
 //
 // One exception: gRPC's timers (1.51) wait for a time of day, so an unanswered call may last longer
 // by as much as the clock is set back. The test for it uses a second, not an hour.

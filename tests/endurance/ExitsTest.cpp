@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every way to end an application without finalising, while presses arrive at full speed: it ends at
-// once and with its own exit code. Before, it may have loaded the library as a plug-in or started
-// another program, and it may define the same names as the library.
+// Every way to end an application without finalising, while presses arrive at full speed: it ends
+// at once and with its own exit code. Before, it may have loaded the library as a plug-in or
+// started another program, and it may define the same names as the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

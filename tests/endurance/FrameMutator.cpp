@@ -71,8 +71,8 @@ void FrameMutator::mutate(Frame& frame) {
   }
 }
 
-// Changes one frame in four; and one in 50 after its length was set, so that the server misreads all
-// frames behind it.
+// Changes one frame in four; and one in 50 after its length was set, so that the server misreads
+// all frames behind it.
 std::string FrameMutator::conversation(int frames) {
   std::string all = http2::greeting();
   for (int i = 0; i < frames; ++i) {

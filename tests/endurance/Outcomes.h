@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The results of outgoing calls, each made by a process of its own: see outgoing_call.cpp. Only where
-// the kernel permits processes to have networks of their own.
+// The results of outgoing calls, each made by a process of its own: see outgoing_call.cpp. Only
+// where the kernel permits processes to have networks of their own.
 #ifndef MURLINK_TESTS_OUTCOMES_H
 #define MURLINK_TESTS_OUTCOMES_H
 

@@ -111,7 +111,8 @@ TEST(PressPort, OnAMissingAddressIsUsedOnceTheAddressExists) {
   for (int i = 0; i < rounds && !HasFailure(); ++i) {
     const LogCapture log;
     {
-      // Initialisation calls the display first, so the address is removed while the server thread starts.
+      // Initialisation calls the display first, so the address is removed while the server
+      // thread starts.
       const SlowLog slow("server_thread create start", milliseconds(500));
       ASSERT_EQ(initializeWatched(), 0);
       setLoopbackMask("255.255.255.255");

@@ -100,8 +100,8 @@ class Soak : public ::testing::Test {
   }
   ~Soak() override { EXPECT_EQ(finalizeWatched(), 0); }
 
-  // Runs recognisers, sends layouts, and restarts a peer every `restart_period`: the robot side, the
-  // display side and a recogniser in turn.
+  // Runs recognisers, sends layouts, and restarts a peer every `restart_period`: the robot side,
+  // the display side and a recogniser in turn.
   void run(seconds duration, seconds restart_period) {
     std::array<std::unique_ptr<BusyRecogniser>, kRecognisers> recognisers;
     for (std::size_t i = 0; i < kRecognisers; ++i) {

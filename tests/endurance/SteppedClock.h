@@ -6,8 +6,8 @@
 
 #include <chrono>
 
-// Sets the wall clock forward or back. As with a real clock, threads that wait for a time of day wait
-// until the clock shows it.
+// Sets the wall clock forward or back. As with a real clock, threads that wait for a time of day
+// wait until the clock shows it.
 void stepClock(std::chrono::seconds step);
 
 #endif

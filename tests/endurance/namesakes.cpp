@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// An application whose own classes, variables and functions have the names of the library's internal
-// ones. It uses foot touch, prints "leaving" after 10 presses and returns 7; 1 when foot touch does
-// not work, 2 when no presses arrive, 3 when the library constructed, called or changed something of
-// the application's.
+// An application whose own classes, variables and functions have the names of the library's
+// internal ones. It uses foot touch, prints "leaving" after 10 presses and returns 7; 1 when foot
+// touch does not work, 2 when no presses arrive, 3 when the library constructed, called or changed
+// something of the application's.
 #include <unistd.h>
 
 #include <atomic>

@@ -90,7 +90,7 @@ TEST(FootTouchExample, PrintsPressesUntilEnter) {
   peers.command("touch 0.1");
   peers.command("lift");
   peers.command("tap 2");
-  example.say("\n");
+  example.send("\n");
 
   EXPECT_EQ(example.end(), 0);
   EXPECT_EQ(example.output(),

@@ -7,17 +7,16 @@
 #include <string>
 #include <vector>
 
-// How a child process ended, and all that it wrote.
+// How a child process ended, and what it wrote.
 struct Finished {
-  int exit_code;  // as a shell shows it: 128 + the signal's number for a child that a signal ended
+  int exit_code;  // as in a shell: 128 + the signal's number when a signal ended it
   std::string out;
   std::string err;
 };
 
-// Runs `command`, the program and its arguments, and waits until it ends. The program is searched
-// for in PATH; it gets our environment with `environment_changes`, and an empty standard input.
-// Throws std::runtime_error, which fails the test, when the child cannot be started or has not
-// ended within `limit`; in that case the child is killed first.
+// Runs `command`, a program (searched for in PATH) and its arguments, in our environment with
+// `environment_changes` and with an empty standard input, and waits until it ends. Throws
+// std::runtime_error when it cannot be started, or still runs after `limit`: it is killed then.
 Finished runToEnd(std::vector<std::string> command,
                   std::map<std::string, std::string> environment_changes,
                   std::chrono::seconds limit);

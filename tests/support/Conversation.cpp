@@ -44,14 +44,14 @@ bool Conversation::readSome() {
 void Conversation::waitFor(const std::string& text) {
   while (output_.find(text) == std::string::npos) {
     if (!readSome()) {
-      throw std::runtime_error("\"" + text + "\" did not come; it wrote: " + output_);
+      throw std::runtime_error("it did not write \"" + text + "\" but: " + output_);
     }
   }
 }
 
-void Conversation::say(const std::string& text) {
+void Conversation::send(const std::string& text) {
   if (write(in_.writeEnd(), text.data(), text.size()) != static_cast<ssize_t>(text.size())) {
-    throw std::runtime_error("it does not listen");
+    throw std::runtime_error("it does not read its input");
   }
 }
 

@@ -7,20 +7,20 @@
 
 #include "Spawn.h"
 
-// A program that is talked to through its standard input and output. Everything that waits does so
-// for 10 s at most, and then throws std::runtime_error.
+// A child process whose standard input and output the test writes and reads. Every function that
+// waits throws std::runtime_error after 10 s.
 class Conversation {
  public:
   explicit Conversation(std::vector<std::string> command);
-  // Kills it if it still runs.
+  // Kills it when it still runs.
   ~Conversation();
   Conversation(const Conversation&) = delete;
   Conversation& operator=(const Conversation&) = delete;
 
-  // Waits until everything that it has written so far contains `text`.
+  // Waits until its output contains `text`.
   void waitFor(const std::string& text);
-  void say(const std::string& text);
-  // Closes its input and waits for its end; returns its exit code.
+  void send(const std::string& text);
+  // Closes its input and waits until it ends; returns its exit code.
   int end();
   const std::string& output() const { return output_; }
 

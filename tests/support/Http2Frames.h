@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// HTTP/2 by hand, as far as a client needs it that presses buttons, or troubles the server.
+// HTTP/2 frames for a client that presses buttons, correctly or not.
 #ifndef MURLINK_TESTS_HTTP2_FRAMES_H
 #define MURLINK_TESTS_HTTP2_FRAMES_H
 
@@ -35,24 +35,24 @@ using Headers = std::vector<std::pair<std::string, std::string>>;
 
 extern const std::string kPreface;
 
-// As they go over the wire.
+// Encoded for the wire.
 std::string bytes(const Frame& frame);
 std::string bytes(const std::vector<Frame>& frames);
 std::string bytes(std::uint32_t number);
 
-// Header fields, none of them kept in the table that both sides share, nor compressed.
+// A header block: fields without compression and not added to the dynamic table.
 std::string block(const Headers& headers);
 
-// What a gRPC call of a method ("service_On") begins with.
+// The headers of a gRPC call; `method` is its name, as "service_On".
 Headers callHeaders(const std::string& method);
-// A gRPC message, with its head.
+// A gRPC message with its prefix.
 std::string message(const std::string& content);
 // The content of an IntMessage, for `x` up to 127.
 std::string intMessage(int x);
 
-// The preface and the empty SETTINGS that every client begins with.
+// How a client's connection begins: the preface and an empty SETTINGS frame.
 std::string greeting();
-// A whole call, press or release, on one stream.
+// A complete call on one stream.
 std::vector<Frame> call(const std::string& method, std::uint32_t stream,
                         const std::string& content);
 

@@ -27,7 +27,7 @@ std::string complaintAbout(const button& one) {
   return low || high ? "Invalid start or end, start or end out of range [0,1] " + rangeOf(one) : "";
 }
 
-// Rounds to single precision after each step, whatever the compiler keeps in between.
+// Rounds to single precision after each step; the compiler may compute with more.
 bool overlapping(const button& a, const button& b) {
   volatile float sum = a.end - a.start;
   sum = sum + b.end;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which layouts are good ones, once more and in words of its own: slow and plain, to hold
-// check_buttons() against.
+// A second implementation of check_buttons(), slow and simple, to compare it with.
 #ifndef MURLINK_TESTS_LAYOUT_MODEL_H
 #define MURLINK_TESTS_LAYOUT_MODEL_H
 
@@ -11,7 +10,7 @@
 
 struct Judgement {
   bool accepted;
-  std::vector<std::string> complaints;  // each an error line's body, in their order
+  std::vector<std::string> complaints;  // the bodies of the error lines, in order
 };
 
 Judgement judgementOf(const std::vector<button>& layout);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A folder for the files of one test, empty at first and removed with the object: tests run side by
-// side.
+// A folder of one test's own, because tests run side by side: empty at first, removed with
+// the object.
 #ifndef MURLINK_TESTS_OWN_FOLDER_H
 #define MURLINK_TESTS_OWN_FOLDER_H
 

@@ -18,7 +18,7 @@
 
 namespace {
 
-// Without a mapping, children would lose the right to change the network when they are started.
+// Without a mapping, children would lose the permission to change the network.
 void becomeRootOfOwnUsers(uid_t user, gid_t group) {
   std::ofstream("/proc/self/setgroups") << "deny";
   std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";

@@ -1,24 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
-// A network of this process and its children alone: loopback, where every port is free, and where
-// packets can be lost without troubling anybody else.
+// A network namespace for this process and its children: every port is free, and dropping packets
+// affects no other process.
 #ifndef MURLINK_TESTS_OWN_NETWORK_H
 #define MURLINK_TESTS_OWN_NETWORK_H
 
-// Whether the kernel permits that, as found when the build was configured; and what to say if not.
+// Whether the kernel permits that, as found at configure time, and the message if it does not.
 constexpr bool kHaveOwnNetworks = MURLINK_TESTS_HAVE_OWN_NETWORKS;
 constexpr const char* kNoOwnNetwork = "network namespaces are not permitted here";
 
-// Moves this process into one, with loopback up. To be called before the process has a second
-// thread.
+// Moves this process into one, with loopback up. Call it before the process has a second thread.
 void enterOwnNetwork();
 
-// For a process that is in its own network.
+// These need a network of its own.
 void takeLoopbackDown();
 void dropEveryPacket();  // needs nftables
-// How many addresses this machine has beside 127.0.0.1: "255.0.0.0" for all that begin with 127,
-// "255.255.255.255" for none.
+// Sets the netmask of 127.0.0.1: with "255.0.0.0" all of 127.0.0.0/8 exists, with "255.255.255.255"
+// only 127.0.0.1.
 void setLoopbackMask(const char* mask);
 
-// All throw std::exception when they fail.
+// All functions throw std::exception when they fail.
 
 #endif

@@ -21,7 +21,7 @@ inline std::ostream& operator<<(std::ostream& out, const Press& press) {
   return out << (press.state == 1 ? "press " : "release ") << press.id;
 }
 
-// Keeps what the callback is told: foot_touch_set_button_cb(PressLog::note, &log).
+// Records the callback's presses: foot_touch_set_button_cb(PressLog::note, &log).
 class PressLog {
  public:
   static void note(int id, int state, void* log) { static_cast<PressLog*>(log)->add({id, state}); }

@@ -16,8 +16,8 @@ class RawConnection {
   // Opens the socket, and does not connect it yet.
   RawConnection();
   RawConnection(const char* host, std::uint16_t port);
-  // `host` is an IPv4 address. Throws std::system_error when nothing listens there. Opens no further
-  // descriptor.
+  // `host` is an IPv4 address. Throws std::system_error when nothing listens there. Opens no
+  // further descriptor.
   void connectTo(const char* host, std::uint16_t port) { socket_.connectTo(host, port); }
 
   // Returns how many bytes the kernel took: fewer than all when the server has closed the

@@ -4,22 +4,22 @@
 
 #include "SimulatorProcess.h"
 
-// A recogniser in a process of its own, that reports to the library whether recognition runs or
-// not. What it has reported is in its history alone.
+// A recogniser in a process of its own, which reports to the library whether recognition runs or
+// not. Only its history shows what it has reported.
 class RecogniserProcess : public SimulatorProcess {
  public:
   RecogniserProcess() : SimulatorProcess({"--quiet", "--robot", "off", "--display", "off"}) {
-    aim();
+    connectToLibrary();
   }
 
-  // Forgets its history, and all else.
+  // Clears its history, and all else.
   void reset() {
     command("reset");
-    aim();
+    connectToLibrary();
   }
 
  private:
-  void aim() {
+  void connectToLibrary() {
     command("callback " MURLINK_DISPLAY_HOST ":26711");
     command("set foot-touch running");
   }

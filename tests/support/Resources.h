@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What this process holds at the moment, as the kernel counts it.
+// The threads, descriptors and memory of this process, as the kernel counts them.
 #ifndef MURLINK_TESTS_RESOURCES_H
 #define MURLINK_TESTS_RESOURCES_H
 
@@ -18,7 +18,7 @@ inline long threads() {
   return entriesOf("/proc/self/task");
 }
 
-// Under load gRPC starts a thread for each core, for its own work, and keeps it.
+// Under load gRPC starts a worker thread per core, and keeps it.
 inline long threadsThatGrpcKeeps() {
   return std::thread::hardware_concurrency();
 }
@@ -39,7 +39,7 @@ inline long residentKiB() {
   return 0;
 }
 
-// A sanitizer's own books grow with every thread and allocation.
+// A sanitizer's own memory grows with every thread and allocation.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kMemoryIsOurs = false;
 #else

@@ -9,7 +9,8 @@
 #include "support/PressLog.h"
 #include "support/SimulatorProcess.h"
 
-// Foot touch as an application runs it: initialised, with two buttons and a callback, and started.
+// Foot touch as in a running application: initialised, with two buttons and a callback,
+// and started.
 class RunningFootTouch : public ::testing::Test {
  protected:
   RunningFootTouch() {

@@ -21,7 +21,7 @@ std::vector<std::string> commandLine(const std::vector<std::string>& options) {
   return command;
 }
 
-bool leavesOut(const std::vector<std::string>& options, const std::string& side) {
+bool isOff(const std::vector<std::string>& options, const std::string& side) {
   const auto option = std::find(options.begin(), options.end(), "--" + side);
   return option != options.end() && std::next(option) != options.end() &&
          *std::next(option) == "off";
@@ -37,7 +37,7 @@ SimulatorProcess::SimulatorProcess(const std::vector<std::string>& options)
   reader_ = std::thread([this] { readOutput(); });
   try {
     for (const char* side : {"robot", "display"}) {
-      if (!leavesOut(options, side)) {
+      if (!isOff(options, side)) {
         address(side);
       }
     }
@@ -108,8 +108,8 @@ SimulatorProcess::Json SimulatorProcess::waitForEvent(
     return found != events_.end() || ended_;
   };
   if (!changed_.wait_for(lock, kLimit, arrived) || found == events_.end()) {
-    throw std::runtime_error(ended_ ? "the simulator ended before the event that was waited for"
-                                    : "the simulator did not report the event that was waited for");
+    throw std::runtime_error(ended_ ? "the simulator ended before the expected event"
+                                    : "the simulator did not report the expected event");
   }
   return *found;
 }
@@ -117,7 +117,7 @@ SimulatorProcess::Json SimulatorProcess::waitForEvent(
 void SimulatorProcess::signal(int number) const {
   ::kill(process_, number);
   if (number == SIGSTOP) {
-    // One of its threads may go on for a moment, and answer a call.
+    // Until then one of its threads may still answer a call.
     waitpid(process_, nullptr, WUNTRACED);
   }
 }
@@ -136,7 +136,7 @@ int SimulatorProcess::waitForEnd() {
 
 std::vector<SimulatorProcess::Json> SimulatorProcess::events(
     const std::function<bool(const Json&)>& wanted) {
-  command("state");  // its answer comes after everything that was printed before
+  command("state");  // its answer follows everything that was printed before
   const std::lock_guard<std::mutex> lock(mutex_);
   std::vector<Json> found;
   std::copy_if(events_.begin(), events_.end(), std::back_inserter(found), wanted);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The simulator program as a process of its own: the peer of every test, driven through its own
-// command language. Any thread may use it. Everything that waits has a limit and throws
-// std::runtime_error beyond it.
+// The simulator program as a child process, controlled with its command language. Any thread may
+// use it. Every function that waits has a limit, and then throws std::runtime_error.
 #ifndef MURLINK_TESTS_SIMULATOR_PROCESS_H
 #define MURLINK_TESTS_SIMULATOR_PROCESS_H
 
@@ -20,35 +19,33 @@ class SimulatorProcess {
  public:
   using Json = nlohmann::json;
 
-  // Starts it, on its default addresses unless `options` name others, and waits until every side
-  // that it plays listens.
+  // Starts it with command-line `options`, and waits until every side that it plays listens.
   explicit SimulatorProcess(const std::vector<std::string>& options = {});
-  // Ends it if it still runs.
+  // Kills it when it still runs.
   ~SimulatorProcess();
   SimulatorProcess(const SimulatorProcess&) = delete;
   SimulatorProcess& operator=(const SimulatorProcess&) = delete;
 
-  // Gives one command; throws when the simulator refuses it. Returns the answer.
+  // Sends one command and returns the answer; throws when the simulator refuses it.
   Json command(const std::string& line);
-  // Gives one command that is to be refused and returns what the simulator says; empty when it
-  // carries the command out.
+  // Sends one command and returns the message of its refusal; empty when it is accepted.
   std::string refusal(const std::string& line);
 
-  // Every call that it has got so far on both sides, or those of one rpc, oldest first.
+  // The calls that it has received on both sides, or those of one rpc, oldest first.
   std::vector<Json> calls();
   std::vector<Json> calls(const std::string& rpc);
-  // Every press and release that it has reported so far, and how the library answered.
+  // The presses and releases that it has reported, with the library's answers.
   std::vector<Json> presses();
   // Where a side ("robot" or "display") listens.
   std::string address(const std::string& side);
-  // The first event that `wanted` accepts, now or within 10 s.
+  // Waits for an event that `wanted` accepts, and returns the first one.
   Json waitForEvent(const std::function<bool(const Json&)>& wanted);
 
-  // After SIGSTOP it has stopped.
+  // With SIGSTOP, returns when it has stopped.
   void signal(int number) const;
-  // Closes its input and waits for its end; returns how a shell shows that.
+  // Closes its input and waits until it ends; returns its exit code as waitForExit() does.
   int end();
-  // Waits for the end that a signal brings.
+  // Waits until it ends after a signal.
   int waitForEnd();
 
  private:
@@ -57,12 +54,12 @@ class SimulatorProcess {
   pid_t process_;
   bool running_ = true;
 
-  std::mutex one_command_;  // at a time, or answers would be mistaken for one another
+  std::mutex one_command_;  // at a time, because answers do not name their command
   std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<Json> events_;
   std::vector<Json> answers_;
-  bool ended_ = false;  // it will print nothing more
+  bool ended_ = false;  // its output is closed
   std::thread reader_;
 
   Json answerTo(const std::string& line);

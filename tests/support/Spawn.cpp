@@ -26,7 +26,7 @@ std::vector<std::string> assignments(std::map<std::string, std::string> environm
   return texts;
 }
 
-// The form that C wants: valid as long as `texts` is.
+// As execve() takes them; valid as long as `texts` is.
 std::vector<char*> nullTerminated(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   for (std::string& text : texts) {

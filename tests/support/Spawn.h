@@ -37,13 +37,13 @@ struct Streams {
   int err;
 };
 
-// Starts `command`, the program (searched for in PATH) and its arguments, with our environment and
-// `environment_changes` to it. Throws std::system_error when that fails.
+// Starts `command`, a program (searched for in PATH) and its arguments, in our environment with
+// `environment_changes`. Throws std::system_error when that fails.
 pid_t spawn(std::vector<std::string> command,
             std::map<std::string, std::string> environment_changes, const Streams& streams);
 
-// Waits for the end of a child and returns its exit code as a shell shows it: 128 + the signal's
-// number for a child that a signal ended. Kills a child that has not ended by `deadline`.
+// Waits until a child ends and returns its exit code as a shell does: 128 + the signal's number
+// when a signal ended it. Kills a child that still runs at `deadline`.
 int waitForExit(pid_t child, std::chrono::steady_clock::time_point deadline);
 
 #endif

@@ -7,13 +7,13 @@
 
 #include "OwnNetwork.h"
 
-// Call it first of all, in every test program.
+// Every test program calls it first.
 inline void prepareTestProcess() {
   // gRPC would send even calls on loopback to a proxy that the environment names.
   for (const char* name : {"grpc_proxy", "https_proxy", "http_proxy"}) {
     unsetenv(name);
   }
-  // A peer that has ended is an error to report, not the end of the tests.
+  // Writing to a peer that has ended must be an error, not end the tests.
   std::signal(SIGPIPE, SIG_IGN);
   if constexpr (kHaveOwnNetworks) {
     enterOwnNetwork();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Where a virtual operation stands in its class's table, as the Itanium C++ ABI lays it out.
+// The slot of a virtual function in its class's table, as the Itanium C++ ABI defines it.
 #ifndef MURLINK_TESTS_VIRTUAL_SLOT_H
 #define MURLINK_TESTS_VIRTUAL_SLOT_H
 
