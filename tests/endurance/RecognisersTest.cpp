@@ -26,8 +26,8 @@ struct Gate {
   std::shared_future<void> opened = open.get_future().share();
   static void pass(int id, int /*state*/, void* gate) {
     if (id == kBlockedId) {
-      const auto opened =
-          static_cast<Gate*>(gate)->opened;  // the gate may be destroyed before this returns
+      // A copy, because the gate may be destroyed before this returns.
+      const auto opened = static_cast<Gate*>(gate)->opened;
       static_cast<Gate*>(gate)->entered.set_value();
       opened.wait();
     }
