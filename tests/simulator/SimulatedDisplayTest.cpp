@@ -6,10 +6,9 @@
 
 #include <sstream>
 
-#include "DisplayService.h"
-#include "PeerServer.h"
+#include "SimulatorClient.h"
+#include "peers/DisplaySide.h"
 #include "support/RowName.h"
-#include "support/SimulatorClient.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
@@ -84,11 +83,12 @@ TEST_F(SimulatedDisplay, TellsOfEveryCallAndItsReply) {
 
 TEST(DisplayText, ShowsTheLayout) {
   std::ostringstream out;
-  simulator::Simulation simulation(out, simulator::Journal::Format::Text, false);
-  simulator::DisplayService service(simulation);
+  simulator::Output output(out, simulator::Output::Format::Text, false);
+  simulator::StopSignal stop;
+  simulator::Peers peers{output, stop};
   {
-    const simulator::PeerServer server("127.0.0.2:0", service);
-    SimulatorClient(server.address()).setButtons(kTwo);
+    const simulator::DisplaySide display("127.0.0.2:0", peers);
+    SimulatorClient(display.address()).setButtons(kTwo);
   }
 
   EXPECT_THAT(out.str(), StartsWith("call 1: setButtons of 2 buttons from 127."));

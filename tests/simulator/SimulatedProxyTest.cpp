@@ -6,9 +6,9 @@
 
 #include <future>
 
+#include "SimulatorClient.h"
 #include "support/Listener.h"
 #include "support/RowName.h"
-#include "support/SimulatorClient.h"
 #include "support/SimulatorProcess.h"
 #include "support/Within.h"
 

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <future>
 
-#include "support/SimulatorClient.h"
+#include "SimulatorClient.h"
 #include "support/SimulatorProcess.h"
 
 namespace {

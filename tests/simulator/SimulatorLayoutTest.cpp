@@ -6,8 +6,8 @@
 #include <cmath>
 #include <limits>
 
-#include "Layout.h"
-#include "Walk.h"
+#include "peers/Layout.h"
+#include "peers/Walk.h"
 #include "support/RowName.h"
 
 namespace {
@@ -68,7 +68,8 @@ TEST(Table, HasALineForEveryButton) {
 }
 
 TEST(Records, ShowPositionsAsTheyWereWritten) {
-  EXPECT_EQ(simulator::records({{12, 0.1F, 0.7F}}).dump(), R"([{"id":12,"start":0.1,"end":0.7}])");
+  EXPECT_EQ(simulator::records({{12, 0.1F, 0.7F}}).at(0).text(),
+            R"({"id":12,"start":0.1,"end":0.7})");
 }
 
 // ---- Position

@@ -6,10 +6,10 @@
 #include <csignal>
 #include <future>
 
+#include "SimulatorClient.h"
 #include "support/ChildProcess.h"
 #include "support/OwnFolder.h"
 #include "support/RowName.h"
-#include "support/SimulatorClient.h"
 #include "support/SimulatorProcess.h"
 
 namespace {

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <utility>
+
+#include "commands/CommandGroups.h"
+#include "commands/Parsing.h"
+#include "commands/RuleSyntax.h"
+#include "peers/Names.h"
+
+namespace simulator {
+namespace {
+
+Message when(Peers& peers, WordReader& words) {
+  Rule rule = takeRule(words);
+  const std::string description = describe(rule);
+  peers.rules.add(std::move(rule));
+  return ok(description, {{"rule", description}});
+}
+
+Message clear(Peers& peers, WordReader& words) {
+  words.expectEnd();
+  peers.rules.clear();
+  return ok();
+}
+
+Message state(Peers& peers, WordReader& words) {
+  words.expectEnd();
+  std::string text;
+  JsonObject record;
+  for (const auto& [feature, state] : peers.robot.allStates()) {
+    text += (text.empty() ? "" : ", ") + featureName(feature) + " " + std::string(stateName(state));
+    record.set(featureName(feature), stateName(state));
+  }
+  return ok(text, {{"states", record}});
+}
+
+Message set(Peers& peers, WordReader& words) {
+  const int feature = parseFeature(words.take());
+  const State state = parseState(words.take());
+  words.expectEnd();
+  peers.robot.setState(feature, state);
+  return ok(featureName(feature) + " " + std::string(stateName(state)));
+}
+
+Message showLayout(Peers& peers, WordReader& words) {
+  words.expectEnd();
+  const Layout layout = peers.display.layout();
+  const std::string line = picture(layout);
+  Message answer = ok(countOf(layout), {{"buttons", records(layout)}, {"picture", line}});
+  answer.sentence = line + "\n" + table(layout) + answer.sentence;
+  return answer;
+}
+
+}  // namespace
+
+void addPeerCommands(Commands& commands, Peers& peers) {
+  commands.add(
+      {"when", "when RPC [FEATURE] [wait TIME] [answer S | fail STATUS | never] [once | N times]",
+       "Treat such calls so from now on, always unless a number is given. RPC and FEATURE may be "
+       "any; calls to the display have no FEATURE. After a wait alone the peer behaves as usual. "
+       "The latest rule that fits decides.",
+       with(peers, when)});
+  commands.add(
+      {"clear", "clear", "Forget every \"when\": the peers behave again.", with(peers, clear)});
+  commands.add({"state", "state", "Show the state of every feature.", with(peers, state)});
+  commands.add({"set", "set FEATURE off|on|running",
+                "Put a feature into a state, as if it had got there.", with(peers, set)});
+  commands.add(
+      {"layout", "layout", "Show the buttons that the display has.", with(peers, showLayout)});
+}
+
+}  // namespace simulator

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+// How commands write a rule: "RPC [FEATURE] [wait TIME] [answer S | fail STATUS | never] [once | N
+// times]".
+#ifndef MURLINK_SIMULATOR_COMMANDS_RULE_SYNTAX_H
+#define MURLINK_SIMULATOR_COMMANDS_RULE_SYNTAX_H
+
+#include <string>
+
+#include "commands/WordReader.h"
+#include "peers/Rules.h"
+
+namespace simulator {
+
+// Takes all words; throws SyntaxError.
+Rule takeRule(WordReader& words);
+// The whole command: "when any any never always".
+std::string describe(const Rule& rule);
+
+}  // namespace simulator
+
+#endif

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef MURLINK_SIMULATOR_COMMON_MESSAGE_H
+#define MURLINK_SIMULATOR_COMMON_MESSAGE_H
+
+#include <string>
+
+#include "common/JsonObject.h"
+
+namespace simulator {
+
+// One event or answer in two forms: `sentence` for people, `record` for programs.
+struct Message {
+  std::string sentence;
+  JsonObject record;
+};
+
+}  // namespace simulator
+
+#endif

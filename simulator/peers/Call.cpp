@@ -1,0 +1,117 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "peers/Call.h"
+
+#include <grpcpp/server_context.h>
+
+#include <chrono>
+
+#include "Quarlo_Platform.pb.h"
+#include "peers/Names.h"
+
+namespace simulator {
+namespace {
+
+// A reply, and what is told of it.
+struct Reply {
+  grpc::Status status;
+  Message message;
+};
+
+// Everything about a call that is known when it comes in.
+Message called(int number, const Call& call, const grpc::ServerContext& context) {
+  using std::chrono::duration_cast;
+  using std::chrono::milliseconds;
+
+  const std::string peer = context.peer();
+  const std::string from = peer.substr(peer.find(':') + 1);
+  Message message{"call " + std::to_string(number) + ": " + call.rpc + " " + call.request.sentence +
+                      " from " + from,
+                  {{"event", "call"}, {"number", number}, {"side", call.side}, {"rpc", call.rpc}}};
+  message.record.update(call.request.record);
+  message.record.set("from", from);
+  if (context.deadline() != std::chrono::system_clock::time_point::max()) {
+    const auto left =
+        duration_cast<milliseconds>(context.deadline() - std::chrono::system_clock::now());
+    message.sentence += ", waits for at most " + durationText(left);
+    message.record.set("deadline_ms", left.count());
+  }
+  return message;
+}
+
+Reply fail(grpc::StatusCode status, const std::string& why) {
+  const std::string name = failureName(status);
+  return {grpc::Status(status, why), {"fails with " + name, {{"status", name}}}};
+}
+
+Reply endOfSimulator() {
+  return fail(grpc::StatusCode::UNAVAILABLE, "the simulator ends");
+}
+
+// Waits until the caller has gone.
+Reply neverAnswer(StopSignal& stop, const grpc::ServerContext& context) {
+  constexpr std::chrono::milliseconds kPollInterval{20};
+  while (!context.IsCancelled()) {
+    if (!stop.sleep(kPollInterval)) {
+      return endOfSimulator();
+    }
+  }
+  return {grpc::Status::CANCELLED, {"none, the caller gave up", {{"gave_up", true}}}};
+}
+
+Reply answer(int s, const Call& call, StatusResponse& response) {
+  response.set_s(s);
+  Message message{"s=" + std::to_string(s), {{"s", s}}};
+  const Message remark = call.remark();
+  message.sentence += remark.sentence;
+  message.record.update(remark.record);
+  return {grpc::Status::OK, message};
+}
+
+Reply react(const Call& call, const Action& action, StopSignal& stop,
+            const grpc::ServerContext& context, StatusResponse& response) {
+  if (action.never) {
+    return neverAnswer(stop, context);
+  }
+  if (!stop.sleep(action.wait)) {
+    return endOfSimulator();
+  }
+  if (action.fail) {
+    return fail(*action.fail, "told to fail");
+  }
+  return answer(action.answer ? *action.answer : call.behave(), call, response);
+}
+
+// What is told of the end of a call.
+Message ended(int number, const Call& call, const Message& how) {
+  Message message{"reply " + std::to_string(number) + ": " + how.sentence,
+                  {{"event", "reply"}, {"number", number}, {"side", call.side}, {"rpc", call.rpc}}};
+  if (call.feature) {
+    message.record.set("feature", featureName(*call.feature));
+  }
+  message.record.update(how.record);
+  return message;
+}
+
+}  // namespace
+
+grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& context,
+                    StatusResponse& response) {
+  const int number = ++peers.calls;
+  const Action action = peers.rules.take(call.rpc, call.feature);
+  const Message arrival = called(number, call, context);
+  peers.output.printEvent({arrival.sentence + call.drawing, arrival.record});
+
+  // A script that has waited for a call may count on what it did, unless it was told to take time.
+  const bool at_once = !action.never && action.wait.count() == 0;
+  if (!at_once) {
+    peers.history.addCall(call.rpc, call.feature, arrival);
+  }
+  const Reply reply = react(call, action, peers.stop, context, response);
+  if (at_once) {
+    peers.history.addCall(call.rpc, call.feature, arrival);
+  }
+  peers.output.printEvent(ended(number, call, reply.message));
+  return reply.status;
+}
+
+}  // namespace simulator

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef MURLINK_SIMULATOR_PEERS_DISPLAY_SIDE_H
+#define MURLINK_SIMULATOR_PEERS_DISPLAY_SIDE_H
+
+#include "peers/PeerServer.h"
+#include "peers/Peers.h"
+
+namespace simulator {
+
+// Serves the calls to the display side. Of its four rpcs the library uses two; the others stay
+// unimplemented.
+class DisplaySide final : public PeerServer {
+ public:
+  // `address` is as for PeerServer; `peers` must outlive this object. Throws CannotListen.
+  DisplaySide(const std::string& address, Peers& peers);
+};
+
+}  // namespace simulator
+
+#endif

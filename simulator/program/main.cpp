@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+// murlink-simulator: the peers of the library, on a PC.
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <iostream>
+#include <memory>
+#include <system_error>
+
+#include "commands/CommandGroups.h"
+#include "common/Output.h"
+#include "common/StopSignal.h"
+#include "peers/DisplaySide.h"
+#include "peers/RobotSide.h"
+#include "program/LineInput.h"
+#include "program/Options.h"
+#include "program/SignalWatch.h"
+
+namespace simulator {
+namespace {
+
+void addCommands(Commands& commands, Peers& peers, ProxyList& proxies) {
+  addPeerCommands(commands, peers);
+  addResetCommand(commands, peers, proxies);
+  addRecogniserCommands(commands, peers);
+  addProxyCommands(commands, proxies);
+  addScriptCommands(commands, peers);
+  addExpectCommand(commands, peers);
+  addGeneralCommands(commands);
+}
+
+void execute(int descriptor, Commands& commands, Output& output, StopSignal& stop) {
+  LineInput input(descriptor, stop);
+  while (!commands.closed()) {
+    const auto line = input.next();
+    if (!line) {
+      return;
+    }
+    if (const auto answer = commands.execute(*line)) {
+      output.printAnswer(*answer);
+    }
+  }
+}
+
+// An open file, closed with the object; null when there is no script.
+using Script = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+Script openScript(const std::string& path) {
+  Script script(path.empty() ? nullptr : std::fopen(path.c_str(), "re"), std::fclose);
+  if (!path.empty() && script == nullptr) {
+    throw std::system_error(errno, std::generic_category(), "cannot read " + path);
+  }
+  return script;
+}
+
+// Null when the side is not played.
+template <typename Side>
+std::unique_ptr<PeerServer> start(const std::string& address, Peers& peers) {
+  return address == kOff ? nullptr : std::make_unique<Side>(address, peers);
+}
+
+void printReady(Output& output, const char* side, const PeerServer* server) {
+  if (server != nullptr) {
+    output.printAnswer({std::string(side) + " side ready on " + server->address(),
+                        {{"event", "ready"}, {"side", side}, {"address", server->address()}}});
+  }
+}
+
+ExitCode run(const Options& options) {
+  const Script script = openScript(options.script);
+  Output output(std::cout, options.json ? Output::Format::Json : Output::Format::Text,
+                options.quiet);
+  StopSignal stop;
+  Peers peers{output, stop};
+  ProxyList proxies;
+  const SignalWatch watch(stop);
+  const auto robot = start<RobotSide>(options.robot, peers);
+  const auto display = start<DisplaySide>(options.display, peers);
+  printReady(output, "robot", robot.get());
+  printReady(output, "display", display.get());
+
+  Commands commands(stop);
+  addCommands(commands, peers, proxies);
+  if (script != nullptr) {
+    execute(fileno(script.get()), commands, output, stop);
+  }
+  execute(STDIN_FILENO, commands, output, stop);
+  if (options.stay && !commands.closed()) {
+    while (stop.sleep(std::chrono::hours(1))) {
+    }
+  }
+  stop.raise();  // a server can only shut down once its waiting handlers have returned
+  return commands.failed() ? kCommandFailed : kSuccess;
+}
+
+// Prints an error and returns its exit code.
+ExitCode fail(const std::exception& error, ExitCode code) {
+  std::cerr << "murlink-simulator: " << error.what() << "\n";
+  return code;
+}
+
+ExitCode runProgram(int argc, char** argv) {
+  try {
+    Options options;
+    const auto end = options.parse(argc, argv);
+    return end ? *end : run(options);
+  } catch (const CannotListen& error) {
+    return fail(error, kCannotListen);
+  } catch (const std::exception& error) {
+    return fail(error, kWrongUsage);
+  }
+}
+
+}  // namespace
+}  // namespace simulator
+
+int main(int argc, char** argv) {
+  // gRPC logs a taken port, too, less clearly than our own message.
+  setenv("GRPC_VERBOSITY", "NONE", 0);
+  // The reader of the output may end first.
+  std::signal(SIGPIPE, SIG_IGN);
+
+  return simulator::runProgram(argc, argv);
+}
