@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the simulated display answers: by itself, and when told otherwise. Shown through the
-// generated client.
+// How the simulated display answers and what it stores: by itself, and under rules. What rules have
+// in common for both sides is left to SimulatedRobotTest, the picture of a layout to LayoutTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "DurationOf.h"
+#include "Events.h"
 #include "SimulatorClient.h"
 #include "peers/DisplaySide.h"
 #include "support/RowName.h"
@@ -32,15 +34,15 @@ class SimulatedDisplay : public ::testing::Test {
   Json layout() { return simulator.command("layout").at("buttons"); }
 };
 
-// ---- Behaving
+// ---- Without rules
 
-TEST_F(SimulatedDisplay, KeepsTheAddress) {
+TEST_F(SimulatedDisplay, StoresTheAddress) {
   EXPECT_EQ(library.setAddress("127.0.0.2:26711"), (Answer{grpc::OK, 0}));
 
   simulator.command("expect address 127.0.0.2:26711");
 }
 
-TEST_F(SimulatedDisplay, KeepsTheLayoutInItsOrder) {
+TEST_F(SimulatedDisplay, StoresTheLayoutInItsOrder) {
   EXPECT_EQ(library.setButtons(kTwo), (Answer{grpc::OK, 0}));
 
   EXPECT_EQ(layout(), kTwoShown);
@@ -54,13 +56,13 @@ TEST_F(SimulatedDisplay, ReplacesTheLayout) {
 }
 
 TEST_F(SimulatedDisplay, LeavesItsOtherRpcsUnimplemented) {
-  using Stub = SimulatorClient::Display::Stub;
+  using Stub = SimulatorClient::Display;
 
   EXPECT_EQ(library.call(&Stub::sendFrameData, FrameLandmarkData()).status, grpc::UNIMPLEMENTED);
   EXPECT_EQ(library.call(&Stub::sendFootTouchPoint, Point()).status, grpc::UNIMPLEMENTED);
 }
 
-TEST_F(SimulatedDisplay, TellsOfEveryCallAndItsReply) {
+TEST_F(SimulatedDisplay, ReportsEveryCallAndItsReply) {
   library.setAddress("127.0.0.2:26711");
   library.setButtons(kTwo);
 
@@ -73,15 +75,14 @@ TEST_F(SimulatedDisplay, TellsOfEveryCallAndItsReply) {
   EXPECT_EQ(calls[1].at("number"), 2);
   EXPECT_EQ(calls[1].at("rpc"), "setButtons");
   EXPECT_EQ(calls[1].at("buttons"), kTwoShown);
-  const Json reply = simulator.waitForEvent([](const Json& e) { return e.at("event") == "reply"; });
-  EXPECT_EQ(reply, (Json{{"event", "reply"},
-                         {"number", 1},
-                         {"side", "display"},
-                         {"rpc", "setFootTouchAPIServerAddress"},
-                         {"s", 0}}));
+  EXPECT_EQ(simulator.waitForEvent(isReply), (Json{{"event", "reply"},
+                                                   {"number", 1},
+                                                   {"side", "display"},
+                                                   {"rpc", "setFootTouchAPIServerAddress"},
+                                                   {"s", 0}}));
 }
 
-TEST(DisplayText, ShowsTheLayout) {
+TEST(TextOfACall, ShowsTheLayout) {
   std::ostringstream out;
   simulator::Output output(out, simulator::Output::Format::Text, false);
   simulator::StopSignal stop;
@@ -97,19 +98,19 @@ TEST(DisplayText, ShowsTheLayout) {
   EXPECT_THAT(out.str(), EndsWith("\n          2  0.5             1\nreply 1: s=0\n"));
 }
 
-// ---- Told otherwise
+// ---- With rules
 
-struct Order {
+struct Rule {
   const char* name;
-  const char* rule;
+  const char* command;
   Answer answer;
 };
 
-class DisplayToldTo : public SimulatedDisplay, public ::testing::WithParamInterface<Order> {};
+class DisplayRule : public SimulatedDisplay, public ::testing::WithParamInterface<Rule> {};
 
-TEST_P(DisplayToldTo, DoesSoAndKeepsNothing) {
-  library.limit = std::chrono::milliseconds(200);
-  simulator.command(GetParam().rule);
+TEST_P(DisplayRule, DecidesTheAnswerAndStoresNothing) {
+  library.deadline = std::chrono::milliseconds(200);
+  simulator.command(GetParam().command);
 
   EXPECT_EQ(library.setAddress("127.0.0.2:1"), GetParam().answer);
   EXPECT_EQ(library.setButtons(kTwo), GetParam().answer);
@@ -119,13 +120,13 @@ TEST_P(DisplayToldTo, DoesSoAndKeepsNothing) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Display, DisplayToldTo,
-    ::testing::Values(Order{"Answer", "when any any answer 2", {grpc::OK, 2}},
-                      Order{"Fail", "when any any fail INTERNAL", {grpc::INTERNAL, 0}},
-                      Order{"StaySilent", "when any any never", {grpc::DEADLINE_EXCEEDED, 0}}),
-    rowName<Order>);
+    With, DisplayRule,
+    ::testing::Values(Rule{"Answer", "when any any answer 2", {grpc::OK, 2}},
+                      Rule{"Failure", "when any any fail INTERNAL", {grpc::INTERNAL, 0}},
+                      Rule{"NoAnswer", "when any any never", {grpc::DEADLINE_EXCEEDED, 0}}),
+    rowName<Rule>);
 
-TEST_F(SimulatedDisplay, ObeysARuleForOneRpcAlone) {
+TEST_F(SimulatedDisplay, AppliesARuleToItsRpcOnly) {
   simulator.command("when setButtons answer 2 once");
 
   EXPECT_EQ(library.setAddress("127.0.0.2:26711").s, 0);
@@ -133,17 +134,18 @@ TEST_F(SimulatedDisplay, ObeysARuleForOneRpcAlone) {
   EXPECT_EQ(library.setButtons(kTwo).s, 0);
 }
 
-TEST_F(SimulatedDisplay, TakesItsTimeWhenTold) {
+TEST_F(SimulatedDisplay, AnswersLateWhenARuleWaits) {
   simulator.command("when setButtons wait 100ms");
-  const auto start = std::chrono::steady_clock::now();
 
-  EXPECT_EQ(library.setButtons(kTwo), (Answer{grpc::OK, 0}));
+  EXPECT_GE(durationOf([this] {
+              EXPECT_EQ(library.setButtons(kTwo), (Answer{grpc::OK, 0}));
+            }),
+            std::chrono::milliseconds(100));
 
-  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(100));
   EXPECT_EQ(layout(), kTwoShown);
 }
 
-TEST_F(SimulatedDisplay, IgnoresARuleForAFeature) {
+TEST_F(SimulatedDisplay, IgnoresRulesForAFeature) {
   simulator.command("when any gesture answer 3");
 
   EXPECT_EQ(library.setButtons({}).s, 0);

@@ -1,147 +1,165 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the simulated robot answers: by itself, and when told otherwise. Shown through the library's
-// own functions.
+// How the simulated robot answers: by itself, and under rules, which SimulatedDisplayTest covers for
+// the display side. What the library makes of the answers is left to the tests of the library.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "FootTouchGrpcClient.h"
-#include "murlink_robot.h"
+#include "Events.h"
+#include "SimulatorClient.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
 
+using std::chrono::milliseconds;
 using ::testing::StartsWith;
+using Answer = SimulatorClient::Answer;
 using Json = SimulatorProcess::Json;
 
-// ---- Behaving
+constexpr int kGesture = SimulatorClient::kGesture;
+constexpr int kFootTouch = SimulatorClient::kFootTouch;
 
-TEST(SimulatedRobot, SwitchesEachFeatureByItself) {
-  SimulatorProcess robot;
+class SimulatedRobot : public ::testing::Test {
+ protected:
+  SimulatorProcess robot{{"--robot", "127.0.0.1:0", "--display", "off"}};
+  SimulatorClient library{robot.address("robot")};
 
-  gesture_recognition_initialize();
-  start_gesture_recognition();
-  FootTouchGrpcClient().serviceOn();
+  Json states() { return robot.command("state").at("states"); }
+};
 
-  EXPECT_EQ(robot.command("state").at("states"),
-            (Json{{"gesture", "running"}, {"foot-touch", "on"}}));
+// ---- Without rules
+
+TEST_F(SimulatedRobot, KeepsAStateForEachFeature) {
+  EXPECT_EQ(library.serviceOn(kGesture), (Answer{grpc::OK, 0}));
+  EXPECT_EQ(library.programRun(kGesture), (Answer{grpc::OK, 0}));
+  EXPECT_EQ(library.serviceOn(kFootTouch), (Answer{grpc::OK, 0}));
+
+  EXPECT_EQ(states(), (Json{{"gesture", "running"}, {"foot-touch", "on"}}));
 }
 
-TEST(SimulatedRobot, StopsAFeatureThatIsSwitchedOff) {
-  SimulatorProcess robot;
+TEST_F(SimulatedRobot, StopsAFeatureThatIsSwitchedOff) {
   robot.command("set foot-touch running");
 
-  EXPECT_EQ(FootTouchGrpcClient().serviceOff(), FOOT_TOUCH_ERROR_NONE);
+  EXPECT_EQ(library.serviceOff(kFootTouch), (Answer{grpc::OK, 0}));
 
-  EXPECT_EQ(robot.command("state").at("states").at("foot-touch"), "off");
+  EXPECT_EQ(states().at("foot-touch"), "off");
 }
 
-TEST(SimulatedRobot, DoesNotRunAFeatureThatIsOff) {
-  SimulatorProcess robot;
+TEST_F(SimulatedRobot, DoesNotRunAFeatureThatIsOff) {
+  EXPECT_EQ(library.programRun(kGesture), (Answer{grpc::OK, 4}));
 
-  EXPECT_EQ(start_gesture_recognition(), GESTURE_RECOGNITION_ERROR_UNKNOWN);
-
-  const Json reply = robot.waitForEvent([](const Json& e) { return e.at("event") == "reply"; });
-  EXPECT_EQ(reply.at("s"), 4);
-  EXPECT_EQ(reply.at("state"), "off");
+  EXPECT_EQ(robot.waitForEvent(isReply).at("state"), "off");
 }
 
-TEST(SimulatedRobot, CountsAFeatureThatIsOffAsStopped) {
-  SimulatorProcess robot;
-
-  EXPECT_EQ(stop_gesture_recognition(), GESTURE_RECOGNITION_ERROR_NOT_RUNNING);
+TEST_F(SimulatedRobot, TreatsAFeatureThatIsOffAsStopped) {
+  EXPECT_EQ(library.programStop(kGesture), (Answer{grpc::OK, 1}));
 }
 
-TEST(SimulatedRobot, TellsOfEveryCallAndItsReply) {
-  SimulatorProcess robot;
+TEST_F(SimulatedRobot, AnswersOneWhenTheStateIsAlreadyReached) {
+  robot.command("set gesture running");
 
-  gesture_recognition_initialize();
+  EXPECT_EQ(library.serviceOn(kGesture), (Answer{grpc::OK, 1}));
+  EXPECT_EQ(library.programRun(kGesture), (Answer{grpc::OK, 1}));
+}
+
+TEST_F(SimulatedRobot, AnswersFiveForAnUnknownFeature) {
+  EXPECT_EQ(library.serviceOn(9), (Answer{grpc::OK, 5}));
+}
+
+TEST_F(SimulatedRobot, ReportsEveryCallAndItsReply) {
+  library.serviceOn(kGesture);
 
   const auto calls = robot.calls();
   ASSERT_EQ(calls.size(), 1U);
   EXPECT_EQ(calls[0].at("number"), 1);
+  EXPECT_EQ(calls[0].at("side"), "robot");
   EXPECT_EQ(calls[0].at("rpc"), "service_On");
   EXPECT_EQ(calls[0].at("feature"), "gesture");
   EXPECT_EQ(calls[0].at("x"), 1);
   EXPECT_THAT(calls[0].at("from"), StartsWith("127.0.0.1:"));
-  const Json reply = robot.waitForEvent([](const Json& e) { return e.at("event") == "reply"; });
-  EXPECT_EQ(reply.at("number"), 1);
-  EXPECT_EQ(reply.at("s"), 0);
-  EXPECT_EQ(reply.at("state"), "on");
+  EXPECT_EQ(robot.waitForEvent(isReply), (Json{{"event", "reply"},
+                                               {"number", 1},
+                                               {"side", "robot"},
+                                               {"rpc", "service_On"},
+                                               {"feature", "gesture"},
+                                               {"s", 0},
+                                               {"state", "on"}}));
 }
 
-// ---- Told otherwise
+// ---- With rules
 
-TEST(When, AppliesToItsRpcAndFeatureAlone) {
-  SimulatorProcess robot;
+class RobotRule : public SimulatedRobot {};
+
+TEST_F(RobotRule, AppliesToItsRpcAndFeatureOnly) {
   robot.command("when service_On gesture answer 3");
 
-  EXPECT_EQ(FootTouchGrpcClient().serviceOn(), FOOT_TOUCH_ERROR_NONE);
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE);
-  EXPECT_EQ(stop_gesture_recognition(), GESTURE_RECOGNITION_ERROR_NOT_RUNNING);
+  EXPECT_EQ(library.serviceOn(kGesture).s, 3);
+  EXPECT_EQ(library.serviceOn(kFootTouch).s, 0);
+  EXPECT_EQ(library.programStop(kGesture).s, 1);
 }
 
-TEST(When, IsForgottenAfterItsNumberOfTimes) {
-  SimulatorProcess robot;
+TEST_F(RobotRule, AcceptsAFeatureByItsNumber) {
+  robot.command("when service_On 1 answer 3");
+
+  EXPECT_EQ(library.serviceOn(kGesture).s, 3);
+}
+
+TEST_F(RobotRule, ExpiresAfterItsNumberOfCalls) {
   robot.command("when any gesture fail UNAVAILABLE 2 times");
 
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED);
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED);
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NONE);
+  EXPECT_EQ(library.serviceOn(kGesture).status, grpc::UNAVAILABLE);
+  EXPECT_EQ(library.serviceOn(kGesture).status, grpc::UNAVAILABLE);
+  EXPECT_EQ(library.serviceOn(kGesture), (Answer{grpc::OK, 0}));
 }
 
-TEST(When, GivesWayToTheOneBeforeItOnceUsedUp) {
-  SimulatorProcess robot;
+TEST_F(RobotRule, OverridesEarlierRulesUntilItExpires) {
   robot.command("when any any answer 3");
   robot.command("when service_On gesture answer 1 once");
 
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_ALREADY_INITIALIZED);
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE);
+  EXPECT_EQ(library.serviceOn(kGesture).s, 1);
+  EXPECT_EQ(library.serviceOn(kGesture).s, 3);
 }
 
-TEST(When, IsForgottenByClear) {
-  SimulatorProcess robot;
+TEST_F(RobotRule, IsRemovedByClear) {
   robot.command("when any any answer 3");
+
   robot.command("clear");
 
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NONE);
+  EXPECT_EQ(library.serviceOn(kGesture).s, 0);
 }
 
-TEST(When, LeavesTheStateAloneUnlessThePeerBehaves) {
-  SimulatorProcess robot;
-  robot.command("when any any answer 0 once");
-  gesture_recognition_initialize();
-  EXPECT_EQ(robot.command("state").at("states").at("gesture"), "off");
+TEST_F(RobotRule, WithAnAnswerLeavesTheStateUnchanged) {
+  robot.command("when any any answer 0");
 
-  robot.command("when any any wait 1ms once");
-  gesture_recognition_initialize();
-  EXPECT_EQ(robot.command("state").at("states").at("gesture"), "on");
+  library.serviceOn(kGesture);
+
+  EXPECT_EQ(states().at("gesture"), "off");
 }
 
-TEST(When, ActsEvenIfTheCallerHasGone) {
-  SimulatorProcess robot;
-  robot.command("when service_On gesture wait 2200ms");
+TEST_F(RobotRule, WithAWaitAloneChangesTheStateAsUsual) {
+  robot.command("when any any wait 1ms");
 
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_TIMED_OUT);
+  library.serviceOn(kGesture);
 
-  robot.waitForEvent([](const Json& e) { return e.at("event") == "reply"; });
-  EXPECT_EQ(robot.command("state").at("states").at("gesture"), "on");
+  EXPECT_EQ(states().at("gesture"), "on");
 }
 
-TEST(When, NeverAnswersUntilTheCallerGivesUp) {
-  SimulatorProcess robot;
+TEST_F(RobotRule, ChangesTheStateAfterTheCallerHasGivenUp) {
+  library.deadline = milliseconds(100);
+  robot.command("when service_On gesture wait 300ms");
+
+  EXPECT_EQ(library.serviceOn(kGesture).status, grpc::DEADLINE_EXCEEDED);
+
+  robot.waitForEvent(isReply);
+  EXPECT_EQ(states().at("gesture"), "on");
+}
+
+TEST_F(RobotRule, WithNeverHoldsTheCallUntilTheCallerGivesUp) {
+  library.deadline = milliseconds(100);
   robot.command("when any any never");
 
-  gesture_recognition_initialize();
+  EXPECT_EQ(library.serviceOn(kGesture).status, grpc::DEADLINE_EXCEEDED);
 
-  const Json reply = robot.waitForEvent([](const Json& e) { return e.at("event") == "reply"; });
-  EXPECT_EQ(reply.at("gave_up"), true);
-}
-
-TEST(When, KnowsFeaturesByNumber) {
-  SimulatorProcess robot;
-  robot.command("when service_On 1 answer 3");
-
-  EXPECT_EQ(gesture_recognition_initialize(), GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE);
+  EXPECT_EQ(robot.waitForEvent(isReply).at("gave_up"), true);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Plays the library towards a simulated display, with the generated client.
 #ifndef MURLINK_TESTS_SIMULATOR_CLIENT_H
 #define MURLINK_TESTS_SIMULATOR_CLIENT_H
 
@@ -7,15 +6,21 @@
 #include <grpcpp/security/credentials.h>
 
 #include <chrono>
-#include <memory>
+#include <ostream>
 #include <string>
 
+#include "Quarlo_RB_Server.grpc.pb.h"
 #include "Quarlo_TV_Server.grpc.pb.h"
 #include "peers/Layout.h"
 
+// Calls one side of a simulator as the library does, through the generated client.
 class SimulatorClient {
  public:
-  using Display = zet::protobuf::app::Quarlo_TV_GRPC;
+  using Robot = zet::protobuf::app::Quarlo_RB_GRPC::Stub;
+  using Display = zet::protobuf::app::Quarlo_TV_GRPC::Stub;
+
+  static constexpr int kGesture = 1;
+  static constexpr int kFootTouch = 2;
 
   struct Answer {
     grpc::StatusCode status;
@@ -23,13 +28,19 @@ class SimulatorClient {
   };
 
   explicit SimulatorClient(const std::string& address)
-      : display(
-            Display::NewStub(grpc::CreateChannel(address, grpc::InsecureChannelCredentials()))) {}
+      : channel_(grpc::CreateChannel(address, grpc::InsecureChannelCredentials())) {}
 
+  // The robot side.
+  Answer serviceOn(int feature) { return callRobot(&Robot::service_On, feature); }
+  Answer serviceOff(int feature) { return callRobot(&Robot::service_Off, feature); }
+  Answer programRun(int feature) { return callRobot(&Robot::program_run, feature); }
+  Answer programStop(int feature) { return callRobot(&Robot::program_stop, feature); }
+
+  // The display side.
   Answer setAddress(const std::string& address) {
     StringMessage request;
     request.set_s(address);
-    return call(&Display::Stub::setFootTouchAPIServerAddress, request);
+    return call(&Display::setFootTouchAPIServerAddress, request);
   }
 
   Answer setButtons(const simulator::Layout& layout) {
@@ -40,26 +51,40 @@ class SimulatorClient {
       added.set_start(button.start);
       added.set_ending(button.end);
     }
-    return call(&Display::Stub::setButtons, request);
+    return call(&Display::setButtons, request);
   }
 
-  template <typename Request>
-  Answer call(grpc::Status (Display::Stub::*rpc)(grpc::ClientContext*, const Request&,
-                                                 StatusResponse*),
+  template <typename Stub, typename Request>
+  Answer call(grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&, StatusResponse*),
               const Request& request) {
+    Stub stub(channel_);
     grpc::ClientContext context;
-    context.set_deadline(std::chrono::system_clock::now() + limit);
+    context.set_deadline(std::chrono::system_clock::now() + deadline);
     StatusResponse response;
-    const grpc::Status status = (*display.*rpc)(&context, request, &response);
+    const grpc::Status status = (stub.*rpc)(&context, request, &response);
     return {status.error_code(), response.s()};
   }
 
-  std::unique_ptr<Display::Stub> display;
-  std::chrono::milliseconds limit{5000};
+  std::chrono::milliseconds deadline{5000};
+
+ private:
+  std::shared_ptr<grpc::Channel> channel_;
+
+  Answer callRobot(grpc::Status (Robot::*rpc)(grpc::ClientContext*, const IntMessage&,
+                                              StatusResponse*),
+                   int feature) {
+    IntMessage request;
+    request.set_x(feature);
+    return call(rpc, request);
+  }
 };
 
 inline bool operator==(const SimulatorClient::Answer& a, const SimulatorClient::Answer& b) {
   return a.status == b.status && a.s == b.s;
+}
+
+inline std::ostream& operator<<(std::ostream& out, const SimulatorClient::Answer& answer) {
+  return out << "status " << answer.status << ", s " << answer.s;
 }
 
 #endif

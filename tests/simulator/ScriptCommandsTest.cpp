@@ -1,22 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
-// The commands that make a script a test: waiting, expecting, looking back.
+// The commands that make a script a test: wait, expect, history, repeat; and scripts in files. Wrong
+// syntax is left to WrongCommandTest, the other options of the program to ProgramTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <future>
 
+#include "DurationOf.h"
+#include "RunSimulator.h"
 #include "SimulatorClient.h"
-#include "support/ChildProcess.h"
-#include "support/OwnFolder.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
 
 namespace {
 
 using std::chrono::milliseconds;
-using std::chrono::seconds;
-using std::chrono::steady_clock;
 using ::testing::HasSubstr;
 using ::testing::SizeIs;
 using Json = SimulatorProcess::Json;
@@ -26,7 +25,8 @@ class Script : public ::testing::Test {
   SimulatorProcess simulator{{"--robot", "127.0.0.1:0", "--display", "127.0.0.2:0"}};
   SimulatorClient display{simulator.address("display")};
 
-  // Lets the simulated robot be called by its own recogniser: service_On or service_Off.
+  // Makes the recogniser report to the simulated robot: service_On for a press, service_Off for a
+  // release.
   void callRobot(const std::string& command) {
     simulator.command("callback " + simulator.address("robot"));
     simulator.command(command + " --force");
@@ -35,20 +35,20 @@ class Script : public ::testing::Test {
 
 // ---- Waiting
 
-TEST_F(Script, WaitsForACallThatHasCome) {
+TEST_F(Script, WaitsForACallThatHasArrived) {
   callRobot("press 1");
 
   EXPECT_EQ(simulator.command("wait service_On gesture").at("call").at("x"), 1);
 }
 
-TEST_F(Script, WaitsForACallThatComesLater) {
+TEST_F(Script, WaitsForACallThatArrivesLater) {
   auto waiting = std::async(std::launch::async, [this] { return simulator.command("wait any"); });
   display.setButtons({});
 
   EXPECT_EQ(waiting.get().at("call").at("rpc"), "setButtons");
 }
 
-TEST_F(Script, WaitsForEachCallOnce) {
+TEST_F(Script, FindsEachCallOnce) {
   display.setButtons({});
   display.setButtons({});
 
@@ -58,7 +58,7 @@ TEST_F(Script, WaitsForEachCallOnce) {
               HasSubstr("no further call of setButtons within 50ms"));
 }
 
-TEST_F(Script, DoesNotGoBackBehindTheCallThatItWaitedFor) {
+TEST_F(Script, IgnoresCallsBeforeTheOneThatItWaitedFor) {
   callRobot("press 1");
   display.setButtons({});
   simulator.command("wait setButtons");
@@ -67,14 +67,14 @@ TEST_F(Script, DoesNotGoBackBehindTheCallThatItWaitedFor) {
               HasSubstr("no further call of service_On any"));
 }
 
-TEST_F(Script, WaitsForAFeature) {
+TEST_F(Script, WaitsForACallForAFeature) {
   callRobot("press 1");
   callRobot("press 2");
 
   EXPECT_EQ(simulator.command("wait service_On foot-touch 1s").at("call").at("x"), 2);
 }
 
-TEST_F(Script, FindsDoneWhatItHasWaitedFor) {
+TEST_F(Script, FindsTheEffectOfTheCallThatItWaitedFor) {
   for (int round = 0; round < 50; ++round) {
     auto waiting = std::async(std::launch::async, [this] {
       simulator.command("wait setButtons");
@@ -86,14 +86,14 @@ TEST_F(Script, FindsDoneWhatItHasWaitedFor) {
   }
 }
 
-TEST_F(Script, SeesACallThatIsNeverAnswered) {
+TEST_F(Script, FindsACallThatIsNeverAnswered) {
   simulator.command("when setButtons never");
   auto silent = std::async(std::launch::async, [this] { return display.setButtons({}); });
 
   EXPECT_NO_THROW(simulator.command("wait setButtons 2s"));
 }
 
-TEST(ScriptLine, IsCutShortByTheEnd) {
+TEST(WaitingCommand, IsInterruptedByASignal) {
   for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s"}) {
     SimulatorProcess simulator({"--robot", "off", "--display", "off"});
     simulator.command("state\n" + std::string(command));
@@ -103,16 +103,13 @@ TEST(ScriptLine, IsCutShortByTheEnd) {
   }
 }
 
-TEST_F(Script, Pauses) {
-  const auto start = steady_clock::now();
-  simulator.command("pause 100ms");
-
-  EXPECT_GE(steady_clock::now() - start, milliseconds(100));
+TEST_F(Script, PausesForTheGivenTime) {
+  EXPECT_GE(durationOf([this] { simulator.command("pause 100ms"); }), milliseconds(100));
 }
 
 // ---- Expecting
 
-TEST_F(Script, PassesWhenItsExpectationsAreMet) {
+TEST_F(Script, PassesExpectationsThatAreMet) {
   callRobot("press 1");
   display.setButtons({{4, 0, 0}, {3, 0.5F, 1}});
 
@@ -125,50 +122,50 @@ TEST_F(Script, PassesWhenItsExpectationsAreMet) {
   simulator.command("expect address " + simulator.address("robot"));
 }
 
-TEST_F(Script, ExpectsNothingAtFirst) {
+TEST_F(Script, StartsWithoutCallsButtonsAndAddress) {
   for (const char* command : {"expect calls 0", "expect buttons", "expect address none"}) {
     EXPECT_NO_THROW(simulator.command(command)) << command;
   }
 }
 
-struct Disappointment {
+struct Expectation {
   const char* name;
-  const char* expectation;
-  const char* complaint;
+  const char* command;
+  const char* reason;
 };
 
-class Unmet : public Script, public ::testing::WithParamInterface<Disappointment> {};
+class UnmetExpectation : public Script, public ::testing::WithParamInterface<Expectation> {};
 
-TEST_P(Unmet, IsAnError) {
+TEST_P(UnmetExpectation, IsAnError) {
   display.setButtons({{4, 0, 0}});
 
-  EXPECT_THAT(simulator.refusal(GetParam().expectation), HasSubstr(GetParam().complaint));
+  EXPECT_THAT(simulator.refusal(GetParam().command), HasSubstr(GetParam().reason));
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    Expectation, Unmet,
+    Of, UnmetExpectation,
     ::testing::Values(
-        Disappointment{"OfAState", "expect state gesture on", "gesture should be on but is off"},
-        Disappointment{"OfAnUnknownFeature", "expect state 9 on", "9 should be on but is unknown"},
-        Disappointment{"OfCalls", "expect calls 2 setButtons",
-                       "the number of calls of setButtons should be 2 but is 1"},
-        Disappointment{"OfButtons", "expect buttons 4 5", "the layout should be 4 5 but is 4"},
-        Disappointment{"OfNoButtons", "expect buttons", "the layout should be empty but is 4"},
-        Disappointment{"OfAnAddress", "expect address 127.0.0.1:1",
-                       "the address for presses should be 127.0.0.1:1 but is none"},
-        Disappointment{"OfAnAnswer", "expect s 0", "nothing has been pressed yet"}),
-    rowName<Disappointment>);
+        Expectation{"AState", "expect state gesture on", "gesture should be on but is off"},
+        Expectation{"AnUnknownFeature", "expect state 9 on", "9 should be on but is unknown"},
+        Expectation{"Calls", "expect calls 2 setButtons",
+                    "the number of calls of setButtons should be 2 but is 1"},
+        Expectation{"Buttons", "expect buttons 4 5", "the layout should be 4 5 but is 4"},
+        Expectation{"NoButtons", "expect buttons", "the layout should be empty but is 4"},
+        Expectation{"AnAddress", "expect address 127.0.0.1:1",
+                    "the address for presses should be 127.0.0.1:1 but is none"},
+        Expectation{"AnAnswer", "expect s 0", "nothing has been pressed yet"}),
+    rowName<Expectation>);
 
-TEST_F(Script, MissesAnAnswerWhenTheReportFailed) {
+TEST_F(Script, ExpectsNoAnswerOfAFailedReport) {
   simulator.command("when any any fail INTERNAL");
   callRobot("press 1");
 
   EXPECT_THAT(simulator.refusal("expect s 0"), HasSubstr("should be 0 but is INTERNAL"));
 }
 
-// ---- Looking back
+// ---- History
 
-TEST_F(Script, HasAHistoryOfCallsAndPresses) {
+TEST_F(Script, KeepsAHistoryOfCallsAndPresses) {
   display.setButtons({});
   callRobot("press 1");
 
@@ -207,25 +204,12 @@ TEST_F(Script, RepeatsACommand) {
 // ---- Files
 
 TEST(ScriptFile, DecidesTheExitCode) {
-  const OwnFolder folder;
-  for (const auto& [script, exit_code] :
-       {std::pair("expect calls 0\n", 0), std::pair("expect calls 1\nexpect calls 0\n", 3)}) {
-    EXPECT_EQ(runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script",
-                        folder.file("script", script)},
-                       {}, seconds(10))
-                  .exit_code,
-              exit_code);
-  }
+  EXPECT_EQ(runScript("expect calls 0\n").exit_code, 0);
+  EXPECT_EQ(runScript("expect calls 1\nexpect calls 0\n").exit_code, 3);
 }
 
-TEST(ScriptFile, ShowsTheHistoryALineAnEvent) {
-  const OwnFolder folder;
-  const std::string script =
-      folder.file("script", "callback 127.0.0.1:1\ntap 5 --force\nlayout\nhistory\n");
-
-  const Finished finished =
-      runToEnd({MURLINK_SIMULATOR, "--robot", "off", "--display", "off", "--script", script}, {},
-               seconds(10));
+TEST(ScriptFile, PrintsOneLinePerEventOfTheHistory) {
+  const Finished finished = runScript("callback 127.0.0.1:1\ntap 5 --force\nlayout\nhistory\n");
 
   EXPECT_THAT(finished.out,
               ::testing::MatchesRegex("ok 127\\.0\\.0\\.1:1\n"

@@ -1,18 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the simulator shows a layout, and which buttons a foot is on.
+// How the simulator shows a layout, and which buttons are at a position. What happens to a layout
+// that the library sends is left to SimulatedDisplayTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "peers/Layout.h"
-#include "peers/Walk.h"
 #include "support/RowName.h"
 
 namespace {
 
-using simulator::Edge;
 using simulator::Layout;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
@@ -25,9 +23,9 @@ struct Drawing {
   const char* picture;
 };
 
-class Picture : public ::testing::TestWithParam<Drawing> {};
+class PictureOfALayout : public ::testing::TestWithParam<Drawing> {};
 
-TEST_P(Picture, ShowsTheLayoutInOneLine) {
+TEST_P(PictureOfALayout, IsOneLine) {
   EXPECT_EQ(simulator::picture(GetParam().layout), GetParam().picture);
 }
 
@@ -35,9 +33,9 @@ constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(
-    OfA, Picture,
+    With, PictureOfALayout,
     ::testing::Values(
-        Drawing{"LayoutWithoutButtons", {},
+        Drawing{"NoButtons", {},
                 "0 ................................................................ 1"},
         Drawing{"FullWidth", {{7, 0, 1}},
                 "0 [------------------------------7-------------------------------] 1"},
@@ -60,21 +58,21 @@ INSTANTIATE_TEST_SUITE_P(
 
 // ---- Table
 
-TEST(Table, HasALineForEveryButton) {
+TEST(TableOfALayout, HasALineForEveryButton) {
   EXPECT_EQ(simulator::table({{12, 0.1F, 0.25F}, {-2147483647, 1.0e-7F, 1}}),
             "         id  start           end\n"
             "         12  0.1             0.25\n"
             "-2147483647  1e-07           1\n");
 }
 
-TEST(Records, ShowPositionsAsTheyWereWritten) {
+TEST(JsonOfALayout, HasPositionsInTheirShortestForm) {
   EXPECT_EQ(simulator::records({{12, 0.1F, 0.7F}}).at(0).text(),
             R"({"id":12,"start":0.1,"end":0.7})");
 }
 
 // ---- Position
 
-TEST(ButtonsAt, IncludeBothEnds) {
+TEST(ButtonsAtAPosition, IncludeThoseThatStartOrEndThere) {
   const Layout layout{{1, 0.1F, 0.3F}, {2, 0.3F, 0.5F}};
 
   EXPECT_THAT(simulator::buttonsAt(layout, 0.05F), IsEmpty());
@@ -84,51 +82,8 @@ TEST(ButtonsAt, IncludeBothEnds) {
   EXPECT_THAT(simulator::buttonsAt(layout, 0.6F), IsEmpty());
 }
 
-TEST(ButtonsAt, NameADuplicateOnce) {
+TEST(ButtonsAtAPosition, ListADuplicateOnce) {
   EXPECT_THAT(simulator::buttonsAt({{2, 0, 1}, {1, 0, 1}, {2, 0, 0.5F}}, 0.25F), ElementsAre(2, 1));
 }
-
-// ---- Way
-
-struct Way {
-  const char* name;
-  Layout layout;
-  float from;
-  float to;
-  const char* steps;
-};
-
-// "+1@0.25 -1@0.5"
-std::string shown(const std::vector<simulator::Step>& steps) {
-  std::ostringstream text;
-  for (const simulator::Step& step : steps) {
-    text << (text.str().empty() ? "" : " ") << (step.edge == Edge::Press ? "+" : "-") << step.id
-         << "@" << step.progress;
-  }
-  return text.str();
-}
-
-class Walk : public ::testing::TestWithParam<Way> {};
-
-TEST_P(Walk, PressesAndReleasesWhatItPasses) {
-  const Way& way = GetParam();
-
-  EXPECT_EQ(shown(simulator::stepsOf(way.layout, way.from, way.to)), way.steps);
-}
-
-const Layout kPair{{1, 0.25F, 0.5F}, {2, 0.5F, 0.75F}};
-
-INSTANTIATE_TEST_SUITE_P(
-    Over, Walk,
-    ::testing::Values(
-        Way{"Nothing", {}, 0, 1, ""}, Way{"ForeignGround", {{1, 0.75F, 1}}, 0, 0.5F, ""},
-        Way{"TouchingPair", kPair, 0, 1, "+1@0.25 +2@0.5 -1@0.5 -2@0.75"},
-        Way{"TouchingPairBackwards", kPair, 1, 0, "+2@0.25 +1@0.5 -2@0.5 -1@0.75"},
-        Way{"ItsOwnStartAndEnd", {{1, 0, 1}}, 0.25F, 0.75F, "+1@0 -1@1"},
-        Way{"NoDistance", kPair, 0.5F, 0.5F, "+1@0 +2@0 -1@1 -2@1"},
-        Way{"ZeroWidth", {{1, 0.5F, 0.5F}}, 0, 1, "+1@0.5 -1@0.5"},
-        Way{"Duplicates", {{1, 0, 0.5F}, {1, 0.25F, 0.75F}}, 0, 1, "+1@0 -1@0.75"},
-        Way{"TwoPlaces", {{1, 0.5F, 0.75F}, {1, 0, 0.25F}}, 0, 1, "+1@0 -1@0.25 +1@0.5 -1@0.75"}),
-    rowName<Way>);
 
 }  // namespace

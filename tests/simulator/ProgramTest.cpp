@@ -1,0 +1,200 @@
+// SPDX-License-Identifier: Apache-2.0
+// The simulator as a program: its options, help, text output, start and end. What the peers do is left
+// to the tests of the peers, wrong commands to WrongCommandTest.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <future>
+
+#include "DurationOf.h"
+#include "Events.h"
+#include "RunSimulator.h"
+#include "SimulatorClient.h"
+#include "support/SimulatorProcess.h"
+
+namespace {
+
+using std::chrono::milliseconds;
+using ::testing::AllOf;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using Answer = SimulatorClient::Answer;
+using Json = SimulatorProcess::Json;
+
+constexpr int kGesture = SimulatorClient::kGesture;
+const Answer kDone{grpc::OK, 0};
+
+const std::vector<std::string> kRobotOnly{"--robot", "127.0.0.1:0", "--display", "off"};
+
+// ---- Commands
+
+TEST(Reset, RemovesRulesAndSwitchesFeaturesOff) {
+  SimulatorProcess robot(kRobotOnly);
+  robot.command("set gesture running");
+  robot.command("when any any answer 3");
+
+  robot.command("reset");
+
+  EXPECT_EQ(robot.command("state").at("states").at("gesture"), "off");
+  EXPECT_EQ(SimulatorClient(robot.address("robot")).serviceOn(kGesture), kDone);
+}
+
+TEST(Help, ExplainsEveryCommand) {
+  SimulatorProcess robot(kRobotOnly);
+
+  const Json commands = robot.command("help").at("commands");
+
+  EXPECT_EQ(commands.size(), 22U);
+  for (const Json& command : commands) {
+    EXPECT_FALSE(command.at("usage").get<std::string>().empty());
+    EXPECT_THAT(command.at("help"), EndsWith("."));
+  }
+}
+
+TEST(Help, ExplainsOneCommand) {
+  SimulatorProcess robot(kRobotOnly);
+
+  const Json commands = robot.command("help set").at("commands");
+
+  ASSERT_EQ(commands.size(), 1U);
+  EXPECT_EQ(commands[0].at("usage"), "set FEATURE off|on|running");
+}
+
+TEST(TextOutput, HasOneLinePerAnswer) {
+  const Finished finished = runScript(
+      "# a comment\n"
+      "\n"
+      "when service_On gesture wait 1.5s answer 3 once\n"
+      "when any any never\n"
+      "wehn\n"
+      "set 9 on\n"
+      "state",  // the last line may lack its newline
+      "127.0.0.1:0");
+
+  EXPECT_THAT(finished.out, MatchesRegex("robot side ready on 127\\.0\\.0\\.1:[0-9]+\n"
+                                         "ok when service_On gesture wait 1\\.5s answer 3 once\n"
+                                         "ok when any any never always\n"
+                                         "error: expected a command \\(.*\\), found \"wehn\"\n"
+                                         "ok 9 on\n"
+                                         "ok gesture off, foot-touch off, 9 on\n"));
+}
+
+TEST(TextOutput, OfHelpEndsWithItsAnswer) {
+  EXPECT_EQ(runScript("help quit\n").out,
+            "  quit\n"
+            "      End the simulator, like the end of the input.\n"
+            "ok\n");
+}
+
+// ---- Start and end
+
+TEST(Simulator, ListensOnTheEndpointsOfTheLibraryByDefault) {
+  SimulatorProcess simulator;
+
+  EXPECT_EQ(simulator.address("robot"), MURLINK_ROBOT_HOST ":26710");
+  EXPECT_EQ(simulator.address("display"), MURLINK_DISPLAY_HOST ":26710");
+}
+
+TEST(Simulator, PrintsOnlyAnswersWhenQuiet) {
+  SimulatorProcess robot({"--quiet"});
+
+  EXPECT_EQ(SimulatorClient(robot.address("robot")).serviceOn(kGesture), kDone);
+
+  EXPECT_TRUE(robot.calls().empty());
+  EXPECT_EQ(robot.command("history").at("events").size(), 1U);
+}
+
+TEST(Simulator, EndsWithItsInput) {
+  SimulatorProcess robot;
+
+  EXPECT_EQ(robot.end(), 0);
+}
+
+TEST(Simulator, EndsOnQuit) {
+  SimulatorProcess robot;
+  robot.command("quit");
+
+  EXPECT_EQ(robot.waitForEnd(), 0);
+}
+
+TEST(Simulator, EndsOnQuitDespiteStay) {
+  SimulatorProcess robot({"--stay"});
+  robot.command("quit");
+
+  EXPECT_EQ(robot.waitForEnd(), 0);
+}
+
+TEST(Simulator, IgnoresCommandsAfterQuit) {
+  EXPECT_EQ(runScript("quit\nset gesture on\n").out, "ok\n");
+}
+
+TEST(Simulator, EndsOnSigtermAndSigint) {
+  for (const int number : {SIGTERM, SIGINT}) {
+    SimulatorProcess robot;
+    robot.signal(number);
+
+    EXPECT_EQ(robot.waitForEnd(), 0);
+  }
+}
+
+TEST(Simulator, EndsPromptlyDuringCalls) {
+  SimulatorProcess robot(kRobotOnly);
+  SimulatorClient library(robot.address("robot"));
+  robot.command("when service_On any never");
+  robot.command("when program_run any wait 3600s");
+  auto silent = std::async(std::launch::async, [&] { return library.serviceOn(kGesture); });
+  auto slow = std::async(std::launch::async, [&] { return library.programRun(kGesture); });
+  robot.waitForEvent(isCallOf("service_On"));
+  robot.waitForEvent(isCallOf("program_run"));
+
+  EXPECT_LT(durationOf([&] { EXPECT_EQ(robot.end(), 0); }), milliseconds(1500));
+
+  EXPECT_EQ(silent.get().status, grpc::UNAVAILABLE);
+  EXPECT_EQ(slow.get().status, grpc::UNAVAILABLE);
+}
+
+TEST(Simulator, StaysAfterTheEndOfItsInputWhenAsked) {
+  SimulatorProcess robot({"--stay"});
+  auto end = std::async(std::launch::async, [&robot] { return robot.end(); });
+
+  EXPECT_EQ(SimulatorClient(robot.address("robot")).serviceOn(kGesture), kDone);
+
+  robot.signal(SIGTERM);
+  EXPECT_EQ(end.get(), 0);
+}
+
+TEST(Simulator, RefusesAPortThatIsTaken) {
+  SimulatorProcess robot;
+
+  const Finished second = runSimulator({});
+
+  EXPECT_EQ(second.exit_code, 2);
+  EXPECT_EQ(second.err, "murlink-simulator: cannot listen on " MURLINK_ROBOT_HOST
+                        ":26710: the port is taken, or the address is not on this machine\n");
+  EXPECT_EQ(second.out, "");
+}
+
+TEST(Simulator, ExplainsItsOptions) {
+  const Finished finished = runSimulator({"--help"});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_THAT(finished.out,
+              AllOf(HasSubstr("--robot"), HasSubstr("--display"), HasSubstr("--script"),
+                    HasSubstr("--json"), HasSubstr("--stay"), HasSubstr("Exit codes")));
+}
+
+TEST(Simulator, RefusesWrongOptions) {
+  EXPECT_EQ(runSimulator({"--robots"}).exit_code, 1);
+  const Finished unreadable = runSimulator({"--script", "/nowhere"});
+  EXPECT_EQ(unreadable.exit_code, 1);
+  EXPECT_EQ(unreadable.err, "murlink-simulator: cannot read /nowhere: No such file or directory\n");
+  for (const char* address : {"127.0.0.1", ":26710", "127.0.0.1:65536", "127.0.0.1:x"}) {
+    const Finished finished = runSimulator({"--robot", address});
+    EXPECT_EQ(finished.exit_code, 1);
+    EXPECT_THAT(finished.err, HasSubstr("is not HOST:PORT"));
+  }
+}
+
+}  // namespace
