@@ -6,12 +6,12 @@
 
 namespace simulator {
 
-// A command that could not be carried out, or an expectation that is not met; says why.
+// A command that cannot be carried out, or an expectation that is not met; what() says why.
 class CommandError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A command that was not understood; says what was expected instead.
+// A command with wrong syntax; what() says what was expected.
 class SyntaxError : public CommandError {
   using CommandError::CommandError;
 };

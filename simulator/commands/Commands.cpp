@@ -37,7 +37,7 @@ std::optional<Message> Commands::execute(const std::string& line) {
 
 Message Commands::run(WordReader& words) const {
   if (stop_.isRaised()) {
-    throw CommandError("the simulator ends");
+    throw CommandError(kShuttingDown);
   }
   return find(words.take()).run(words);
 }

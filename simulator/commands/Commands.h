@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// The command language: one command a line, one answer a command.
 #ifndef MURLINK_SIMULATOR_COMMANDS_COMMANDS_H
 #define MURLINK_SIMULATOR_COMMANDS_COMMANDS_H
 
@@ -15,10 +14,11 @@
 
 namespace simulator {
 
+// All commands by name. Runs one command per line; every command has one answer.
 class Commands {
  public:
   // Carries out one command, given the words after its name, and returns the answer. Throws
-  // CommandError when that is impossible.
+  // CommandError.
   using Run = std::function<Message(WordReader&)>;
 
   struct Entry {
@@ -28,24 +28,24 @@ class Commands {
     Run run;
   };
 
-  // Once the end has been requested, commands are refused.
+  // Commands are refused once `stop` has been raised.
   explicit Commands(StopSignal& stop) : stop_(stop) {}
 
   void add(Entry entry) { entries_.push_back(std::move(entry)); }
   const std::vector<Entry>& entries() const { return entries_; }
-  // Throws SyntaxError when there is none of that name.
+  // Throws SyntaxError when there is no command of that name.
   const Entry& find(std::string_view name) const;
 
-  // Carries out one line and returns the answer; none for a blank line or a # comment. A line that
-  // is not understood changes nothing, and its answer says what was expected.
+  // Carries out one line and returns the answer; none for a blank line or a # comment. A line with
+  // wrong syntax changes nothing.
   std::optional<Message> execute(const std::string& line);
   // Carries out the command that the words name. Throws CommandError.
   Message run(WordReader& words) const;
 
-  // After this no command is to be read.
+  // Stops reading commands.
   void close() { closed_ = true; }
   bool closed() const { return closed_; }
-  // True once a command was answered with an error.
+  // True when any command was answered with an error.
   bool failed() const { return failed_; }
 
  private:

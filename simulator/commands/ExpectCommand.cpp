@@ -10,7 +10,7 @@ namespace {
 
 using Expectation = Message (*)(Peers&, WordReader&);
 
-// Throws unless `found` is `wanted`; both complete the sentence about `what`.
+// Throws CommandError unless `found` is `wanted`.
 Message compare(const std::string& what, const std::string& wanted, const std::string& found) {
   if (wanted != found) {
     throw CommandError(what + " should be " + wanted + " but is " + found);
@@ -72,7 +72,7 @@ Message expectS(Peers& peers, WordReader& words) {
   words.expectEnd();
   const auto& last = peers.recogniser.last();
   if (!last) {
-    throw CommandError("nothing has been pressed yet");
+    throw CommandError("no press has been reported yet");
   }
   return compare("the answer to the last press", std::to_string(wanted),
                  last->s ? std::to_string(*last->s) : failureName(last->status));
@@ -90,7 +90,7 @@ const Words<Expectation>& expectations() {
 Message expect(Peers& peers, WordReader& words) {
   const Expectation* const expectation = find(expectations(), words.peek());
   if (expectation == nullptr) {
-    expected("what to expect (" + alternatives(namesOf(expectations())) + ")", words.peek());
+    expected("a value to check (" + alternatives(namesOf(expectations())) + ")", words.peek());
   }
   words.take();
   return (*expectation)(peers, words);
@@ -99,13 +99,14 @@ Message expect(Peers& peers, WordReader& words) {
 }  // namespace
 
 void addExpectCommand(Commands& commands, Peers& peers) {
-  commands.add({"expect",
-                "expect state FEATURE off|on|running | calls N [RPC [FEATURE]] | buttons [ID ...] "
-                "| address HOST:PORT|none | s N",
-                "An error unless it is so: a feature's state, the number of such calls so far, the "
-                "ids of the layout in their order, where presses are reported, the answer to the "
-                "last press or release.",
-                with(peers, expect)});
+  commands.add(
+      {"expect",
+       "expect state FEATURE off|on|running | calls N [RPC [FEATURE]] | buttons [ID ...] "
+       "| address HOST:PORT|none | s N",
+       "Check a value; it is an error if it differs. The values are the state of a feature, the "
+       "number of matching calls so far, the button ids of the layout in order, the address to "
+       "report presses to, and the answer to the last press or release.",
+       with(peers, expect)});
 }
 
 }  // namespace simulator

@@ -32,9 +32,9 @@ Message quit(Commands& commands, WordReader& words) {
 }  // namespace
 
 void addGeneralCommands(Commands& commands) {
-  commands.add({"help", "help [COMMAND]", "Explain one command, or all.",
+  commands.add({"help", "help [COMMAND]", "Explain one command, or all commands.",
                 [&commands](WordReader& words) { return help(commands, words); }});
-  commands.add({"quit", "quit", "End the simulator, like the end of the input.",
+  commands.add({"quit", "quit", "End the simulator, even with --stay.",
                 [&commands](WordReader& words) { return quit(commands, words); }});
 }
 

@@ -53,19 +53,20 @@ Message showLayout(Peers& peers, WordReader& words) {
 }  // namespace
 
 void addPeerCommands(Commands& commands, Peers& peers) {
+  commands.add({"when",
+                "when RPC [FEATURE] [wait TIME] [answer S | fail STATUS | never] [once | N times]",
+                "Set how matching calls are answered: all of them, or only the next ones if "
+                "\"once\" or a number is given. RPC and FEATURE may be \"any\"; calls to the "
+                "display have no FEATURE. \"wait\" alone delays the usual answer; \"never\" leaves "
+                "the call unanswered. The latest rule that matches applies.",
+                with(peers, when)});
   commands.add(
-      {"when", "when RPC [FEATURE] [wait TIME] [answer S | fail STATUS | never] [once | N times]",
-       "Treat such calls so from now on, always unless a number is given. RPC and FEATURE may be "
-       "any; calls to the display have no FEATURE. After a wait alone the peer behaves as usual. "
-       "The latest rule that fits decides.",
-       with(peers, when)});
-  commands.add(
-      {"clear", "clear", "Forget every \"when\": the peers behave again.", with(peers, clear)});
+      {"clear", "clear", "Remove all rules: the peers answer as usual again.", with(peers, clear)});
   commands.add({"state", "state", "Show the state of every feature.", with(peers, state)});
-  commands.add({"set", "set FEATURE off|on|running",
-                "Put a feature into a state, as if it had got there.", with(peers, set)});
-  commands.add(
-      {"layout", "layout", "Show the buttons that the display has.", with(peers, showLayout)});
+  commands.add({"set", "set FEATURE off|on|running", "Set the state of a feature without a call.",
+                with(peers, set)});
+  commands.add({"layout", "layout", "Show the layout of buttons that the display has.",
+                with(peers, showLayout)});
 }
 
 }  // namespace simulator

@@ -12,8 +12,8 @@ void expectRunning(Robot& robot) {
   const int foot_touch = parseFeature("foot-touch");
   if (robot.state(foot_touch) != State::Running) {
     throw CommandError(
-        "foot touch does not run on the simulated robot: let the application start it, put \"set "
-        "foot-touch running\" before, or add --force");
+        "foot touch is not running on the simulated robot: let the application start it, run \"set "
+        "foot-touch running\" first, or add --force");
   }
 }
 
@@ -21,8 +21,8 @@ std::string knownAddress(Display& display) {
   const auto address = display.address();
   if (!address) {
     throw CommandError(
-        "nobody has said where presses are to be reported: let the application initialize foot "
-        "touch, or put \"callback HOST:PORT\" before");
+        "the address to report presses to is unknown: let the application initialize foot touch, "
+        "or run \"callback HOST:PORT\" first");
   }
   return *address;
 }

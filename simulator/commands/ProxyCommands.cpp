@@ -53,18 +53,20 @@ Message fault(ProxyList& proxies, WordReader& words) {
 }  // namespace
 
 void addProxyCommands(Commands& commands, ProxyList& proxies) {
-  commands.add({"proxy", "proxy [HOST:PORT to HOST:PORT | off]",
-                "Listen on the first address and pass every connection on to the second, which a "
-                "\"fault\" then disturbs. Start the side itself elsewhere, such as with --robot "
-                "127.0.0.1:0. Without an address, show every proxy; off ends them.",
-                with(proxies, proxy)});
+  commands.add(
+      {"proxy", "proxy [HOST:PORT to HOST:PORT | off]",
+       "Listen on the first address and forward every connection to the second; \"fault\" disturbs "
+       "these connections. The peer itself must then listen elsewhere, for example with --robot "
+       "127.0.0.1:0. Without arguments, list the proxies; \"off\" removes them.",
+       with(proxies, proxy)});
   commands.add({"fault",
                 "fault none|reset|refuse|silent|delay TIME|cut BYTES [close]|slow [TIME]|garbage|"
                 "goaway",
-                "Disturb the connections of every proxy so from now on, open ones as well: break "
-                "them off, listen to none, pass nothing on, pass every chunk on late, stop after "
-                "so many BYTES of the answer, answer with a byte each TIME (1s), with bytes that "
-                "are not HTTP/2, or with GOAWAY frames without end.",
+                "Disturb all connections through proxies, open and new ones: reset them (reset), "
+                "accept none (refuse), forward nothing (silent), forward all data TIME later "
+                "(delay), forward BYTES of the answer and then nothing, or close (cut), forward "
+                "the answer one byte per TIME, 1s by default (slow), or answer with bytes that are "
+                "not HTTP/2 (garbage) or with endless GOAWAY frames (goaway).",
                 with(proxies, fault)});
 }
 

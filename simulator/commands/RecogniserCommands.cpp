@@ -15,7 +15,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// The last word of every command that presses.
+// The optional last word of every command that reports presses.
 bool takeForce(WordReader& words) {
   const bool force = words.takeIf("--force");
   words.expectEnd();
@@ -24,7 +24,7 @@ bool takeForce(WordReader& words) {
 
 void sleep(Peers& peers, milliseconds duration) {
   if (!peers.stop.sleep(duration)) {
-    throw CommandError("the simulator ends");
+    throw CommandError(kShuttingDown);
   }
 }
 
@@ -60,7 +60,7 @@ Message tap(Peers& peers, WordReader& words) {
 
 void expectLiftedFoot(Peers& peers) {
   if (!peers.recogniser.touched().empty()) {
-    throw CommandError(R"(the foot is down already: put "lift" or "reset" before)");
+    throw CommandError(R"(the foot is already down: run "lift" or "reset" first)");
   }
 }
 
@@ -71,7 +71,7 @@ Message touch(Peers& peers, WordReader& words) {
   expectLiftedFoot(peers);
   const std::vector<int> ids = buttonsAt(peers.display.layout(), position);
   if (ids.empty()) {
-    throw CommandError("there is no button at " + word + ": \"layout\" shows where they are");
+    throw CommandError("there is no button at " + word + ": \"layout\" shows the positions");
   }
   for (const int id : ids) {
     peers.recogniser.touched().push_back(id);
@@ -83,7 +83,7 @@ Message touch(Peers& peers, WordReader& words) {
 Message lift(Peers& peers, WordReader& words) {
   PressReports reports(peers, takeForce(words));
   if (peers.recogniser.touched().empty()) {
-    throw CommandError("the foot is not on a button: put \"touch POSITION\" before");
+    throw CommandError("the foot is not on a button: run \"touch POSITION\" first");
   }
   for (const int id : std::exchange(peers.recogniser.touched(), {})) {
     reports.add(Edge::Release, id);
@@ -98,7 +98,7 @@ Message walk(Peers& peers, WordReader& words) {
   PressReports reports(peers, takeForce(words));
   expectLiftedFoot(peers);
   const auto start = steady_clock::now();
-  // A report that takes long delays the steps after it, but not the whole way.
+  // Each step has its time since the start, so that a slow report does not delay all steps after it.
   const auto sleepUntil = [&](double progress) {
     const auto wanted = start + progress * std::chrono::duration<double, std::milli>(duration);
     const auto left = std::chrono::ceil<milliseconds>(wanted - steady_clock::now());
@@ -123,24 +123,24 @@ Message callback(Peers& peers, WordReader& words) {
 
 void addRecogniserCommands(Commands& commands, Peers& peers) {
   commands.add({"press", "press ID [--force]",
-                "Report a press to the library, and wait for its answer. Like all reports, only "
-                "while foot touch runs on the simulated robot, unless forced.",
+                "Report a press to the library and wait for its answer. All reports need foot "
+                "touch to be running on the simulated robot, unless --force is given.",
                 with(peers, press)});
-  commands.add({"release", "release ID [--force]", "Report that a button is released.",
-                with(peers, release)});
+  commands.add(
+      {"release", "release ID [--force]", "Report the release of a button.", with(peers, release)});
   commands.add({"tap", "tap ID [TIME] [--force]", "Press a button, hold it for TIME, release it.",
                 with(peers, tap)});
   commands.add({"touch", "touch POSITION [--force]",
-                "Put a foot down: press every button that the layout has at POSITION (0 to 1).",
+                "Put the foot down: press every button of the layout at POSITION (0 to 1).",
                 with(peers, touch)});
-  commands.add(
-      {"lift", "lift [--force]", "Lift the foot: release what it has touched.", with(peers, lift)});
+  commands.add({"lift", "lift [--force]", "Lift the foot: release the buttons that it touches.",
+                with(peers, lift)});
   commands.add({"walk", "walk FROM TO TIME [--force]",
-                "Put a foot down at FROM, move it evenly to TO within TIME, and lift it there: "
-                "press and release what it passes.",
+                "Put the foot down at FROM, move it to TO at a constant speed within TIME, and "
+                "lift it there. Press and release the buttons on the way.",
                 with(peers, walk)});
   commands.add({"callback", "callback HOST:PORT",
-                "Report presses there, as if the library had sent this address.",
+                "Set the address to report presses to, as if the library had sent it.",
                 with(peers, callback)});
 }
 

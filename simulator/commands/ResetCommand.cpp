@@ -19,8 +19,8 @@ Message reset(Peers& peers, ProxyList& proxies, WordReader& words) {
 
 void addResetCommand(Commands& commands, Peers& peers, ProxyList& proxies) {
   commands.add({"reset", "reset",
-                "Forget every \"when\", the layout, the address for presses and the history, lift "
-                "the foot without a word, switch every feature off, and end the \"fault\".",
+                "Remove all rules, the layout, the address for presses and the history, switch "
+                "every feature off, end the fault, and lift the foot without reporting it.",
                 [&](WordReader& words) { return reset(peers, proxies, words); }});
 }
 

@@ -20,7 +20,7 @@ Action takeAction(WordReader& words) {
   } else if (words.takeIf("fail")) {
     action.fail = parseFailure(words.take());
   } else if (action.wait.count() == 0) {
-    expected("what to do (wait, answer, fail or never)", words.peek());
+    expected("an action (wait, answer, fail or never)", words.peek());
   }
   return action;
 }

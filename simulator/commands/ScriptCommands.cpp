@@ -34,7 +34,7 @@ Message wait(Peers& peers, WordReader& words) {
                          durationText(limit));
     }
     if (!peers.stop.sleep(kPollInterval)) {
-      throw CommandError("the simulator ends");
+      throw CommandError(kShuttingDown);
     }
   }
 }
@@ -43,7 +43,7 @@ Message pause(Peers& peers, WordReader& words) {
   const milliseconds duration = parseDuration(words.take());
   words.expectEnd();
   if (!peers.stop.sleep(duration)) {
-    throw CommandError("the simulator ends");
+    throw CommandError(kShuttingDown);
   }
   return ok();
 }
@@ -70,8 +70,8 @@ Message repeat(const Commands& commands, WordReader& words) {
     try {
       last = commands.run(command).record;
     } catch (const CommandError& problem) {
-      throw CommandError("time " + std::to_string(round) + " of " + std::to_string(times) + ": " +
-                         problem.what());
+      throw CommandError("repetition " + std::to_string(round) + " of " + std::to_string(times) +
+                         ": " + problem.what());
     }
   }
   return ok(std::to_string(times) + (times == 1 ? " time" : " times"),
@@ -82,13 +82,14 @@ Message repeat(const Commands& commands, WordReader& words) {
 
 void addScriptCommands(Commands& commands, Peers& peers) {
   commands.add({"wait", "wait RPC [FEATURE] [TIME]",
-                "Wait until such a call has come after the call that was waited for last. An error "
-                "when there is none within TIME (10s).",
+                "Wait for a matching call after the one that the last \"wait\" found. It is an "
+                "error if none arrives within TIME (10s by default).",
                 with(peers, wait)});
-  commands.add({"pause", "pause TIME", "Do nothing for a while.", with(peers, pause)});
-  commands.add({"history", "history", "Show every call and every report of a press so far.",
+  commands.add({"pause", "pause TIME", "Do nothing for TIME.", with(peers, pause)});
+  commands.add({"history", "history",
+                "List all calls and all reports of presses and releases so far.",
                 with(peers, showHistory)});
-  commands.add({"repeat", "repeat N COMMAND", "Carry out a command N times, up to the first error.",
+  commands.add({"repeat", "repeat N COMMAND", "Run a command N times; stop at the first error.",
                 [&](WordReader& words) { return repeat(commands, words); }});
 }
 

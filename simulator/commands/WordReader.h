@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// The words of one line, taken from left to right.
 #ifndef MURLINK_SIMULATOR_COMMANDS_WORD_READER_H
 #define MURLINK_SIMULATOR_COMMANDS_WORD_READER_H
 
@@ -9,6 +8,7 @@
 
 namespace simulator {
 
+// Splits a line into words and reads them from left to right.
 class WordReader {
  public:
   explicit WordReader(const std::string& line);

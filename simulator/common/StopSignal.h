@@ -8,6 +8,9 @@
 
 namespace simulator {
 
+// What commands and calls say that the stop signal interrupts.
+constexpr const char* kShuttingDown = "the simulator is shutting down";
+
 // Raised once, when the simulator shuts down, to interrupt everything that waits. Any thread may
 // use it.
 class StopSignal {

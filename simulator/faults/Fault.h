@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a proxy does to the connections that go through it.
 #ifndef MURLINK_SIMULATOR_FAULTS_FAULT_H
 #define MURLINK_SIMULATOR_FAULTS_FAULT_H
 
@@ -8,16 +7,17 @@
 
 namespace simulator {
 
+// What proxies do to their connections.
 struct Fault {
   enum Kind { None, Delay, Reset, Refuse, Silent, Cut, Slow, Garbage, Goaway };
 
   Kind kind = None;
-  std::chrono::milliseconds time{0};  // of Delay for each chunk, of Slow for each byte
-  std::size_t bytes = 0;              // that Cut lets pass
-  bool close = false;                 // what Cut does after them
+  std::chrono::milliseconds time{0};  // Delay: for all data; Slow: for each byte
+  std::size_t bytes = 0;              // Cut: how many are forwarded
+  bool close = false;                 // Cut: whether it closes the connection after them
 };
 
-// True when the proxy answers in the peer's place.
+// True when the proxy answers instead of the peer.
 inline bool isAnsweredByProxy(const Fault& fault) {
   return fault.kind == Fault::Garbage || fault.kind == Fault::Goaway;
 }

@@ -88,7 +88,7 @@ bool Proxy::applyTo(std::unique_ptr<ProxyConnection>& connection, const Fault& f
   return true;
 }
 
-// Fills in the wake-up, the listener, and two entries for each connection.
+// Polls the wake-up, the listener, and two entries for each connection.
 void Proxy::wait(std::vector<pollfd>& polled) const {
   polled = {{wake_, POLLIN, 0},
             {fault_.kind == Fault::Refuse ? -1 : listener_.descriptor(), POLLIN, 0}};

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// TCP sockets that never block, closed with their object.
 #ifndef MURLINK_SIMULATOR_FAULTS_SOCKET_H
 #define MURLINK_SIMULATOR_FAULTS_SOCKET_H
 
@@ -8,6 +7,7 @@
 
 namespace simulator {
 
+// A non-blocking TCP socket, closed with the object.
 class Socket {
  public:
   explicit Socket(int descriptor = -1) : descriptor_(descriptor) {}
@@ -18,7 +18,7 @@ class Socket {
   int descriptor() const { return descriptor_; }  // -1 when closed
   bool isOpen() const { return descriptor_ >= 0; }
   void close();
-  // Closes it so that the other end's next step fails, instead of finding the end of the data.
+  // Closes it with a TCP reset.
   void reset();
 
  private:

@@ -11,14 +11,14 @@
 namespace simulator {
 namespace {
 
-// A reply, and what is told of it.
+// A reply to the caller, and its event.
 struct Reply {
   grpc::Status status;
   Message message;
 };
 
-// Everything about a call that is known when it comes in.
-Message called(int number, const Call& call, const grpc::ServerContext& context) {
+// The event of an incoming call.
+Message callEvent(int number, const Call& call, const grpc::ServerContext& context) {
   using std::chrono::duration_cast;
   using std::chrono::milliseconds;
 
@@ -32,7 +32,7 @@ Message called(int number, const Call& call, const grpc::ServerContext& context)
   if (context.deadline() != std::chrono::system_clock::time_point::max()) {
     const auto left =
         duration_cast<milliseconds>(context.deadline() - std::chrono::system_clock::now());
-    message.sentence += ", waits for at most " + durationText(left);
+    message.sentence += ", deadline in " + durationText(left);
     message.record.set("deadline_ms", left.count());
   }
   return message;
@@ -40,19 +40,19 @@ Message called(int number, const Call& call, const grpc::ServerContext& context)
 
 Reply fail(grpc::StatusCode status, const std::string& why) {
   const std::string name = failureName(status);
-  return {grpc::Status(status, why), {"fails with " + name, {{"status", name}}}};
+  return {grpc::Status(status, why), {"failed with " + name, {{"status", name}}}};
 }
 
-Reply endOfSimulator() {
-  return fail(grpc::StatusCode::UNAVAILABLE, "the simulator ends");
+Reply shuttingDown() {
+  return fail(grpc::StatusCode::UNAVAILABLE, kShuttingDown);
 }
 
-// Waits until the caller has gone.
+// Waits until the caller gives up.
 Reply neverAnswer(StopSignal& stop, const grpc::ServerContext& context) {
   constexpr std::chrono::milliseconds kPollInterval{20};
   while (!context.IsCancelled()) {
     if (!stop.sleep(kPollInterval)) {
-      return endOfSimulator();
+      return shuttingDown();
     }
   }
   return {grpc::Status::CANCELLED, {"none, the caller gave up", {{"gave_up", true}}}};
@@ -73,22 +73,22 @@ Reply react(const Call& call, const Action& action, StopSignal& stop,
     return neverAnswer(stop, context);
   }
   if (!stop.sleep(action.wait)) {
-    return endOfSimulator();
+    return shuttingDown();
   }
   if (action.fail) {
-    return fail(*action.fail, "told to fail");
+    return fail(*action.fail, "a rule made the call fail");
   }
   return answer(action.answer ? *action.answer : call.behave(), call, response);
 }
 
-// What is told of the end of a call.
-Message ended(int number, const Call& call, const Message& how) {
-  Message message{"reply " + std::to_string(number) + ": " + how.sentence,
+// The event of a reply.
+Message replyEvent(int number, const Call& call, const Message& reply) {
+  Message message{"reply " + std::to_string(number) + ": " + reply.sentence,
                   {{"event", "reply"}, {"number", number}, {"side", call.side}, {"rpc", call.rpc}}};
   if (call.feature) {
     message.record.set("feature", featureName(*call.feature));
   }
-  message.record.update(how.record);
+  message.record.update(reply.record);
   return message;
 }
 
@@ -98,10 +98,11 @@ grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& c
                     StatusResponse& response) {
   const int number = ++peers.calls;
   const Action action = peers.rules.take(call.rpc, call.feature);
-  const Message arrival = called(number, call, context);
+  const Message arrival = callEvent(number, call, context);
   peers.output.printEvent({arrival.sentence + call.drawing, arrival.record});
 
-  // A script that has waited for a call may count on what it did, unless it was told to take time.
+  // When "wait" finds a call that is answered at once, the call has already taken effect. A call that a
+  // rule delays is found when it arrives.
   const bool at_once = !action.never && action.wait.count() == 0;
   if (!at_once) {
     peers.history.addCall(call.rpc, call.feature, arrival);
@@ -110,7 +111,7 @@ grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& c
   if (at_once) {
     peers.history.addCall(call.rpc, call.feature, arrival);
   }
-  peers.output.printEvent(ended(number, call, reply.message));
+  peers.output.printEvent(replyEvent(number, call, reply.message));
   return reply.status;
 }
 

@@ -23,14 +23,13 @@ struct Call {
   std::optional<int> feature;
   Message request;      // its arguments; the sentence follows the rpc's name
   std::string drawing;  // lines to print below the sentence, in text output only
-  // What the peer does when no rule applies; returns the answer `s`.
+  // What the peer does without a rule; returns the answer `s`.
   std::function<int()> behave;
   // What the reply event says after the answer; called after the call has been carried out.
   std::function<Message()> remark = [] { return Message{}; };
 };
 
-// Prints the call, applies the rule that matches it or else lets the peer behave, and prints the
-// reply.
+// Prints the call, answers it by the matching rule or else by its `behave`, and prints the reply.
 grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& context,
                     StatusResponse& response);
 

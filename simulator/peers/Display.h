@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a display keeps of what it was sent.
 #ifndef MURLINK_SIMULATOR_PEERS_DISPLAY_H
 #define MURLINK_SIMULATOR_PEERS_DISPLAY_H
 
@@ -11,10 +10,10 @@
 
 namespace simulator {
 
-// Any thread may use it.
+// What the display has received. Any thread may use it.
 class Display {
  public:
-  // Where presses are to be reported; none until somebody has said so.
+  // The address to report presses to; none until the library has sent it.
   std::optional<std::string> address();
   void setAddress(std::string address);
 

@@ -41,7 +41,7 @@ class DisplayService final : public zet::protobuf::app::Quarlo_TV_GRPC::Service 
                           StatusResponse* response) override {
     const Layout layout = layoutOf(*request);
     Call call{"display", "setButtons", {}, {}, drawingOf(layout), {}};
-    call.request = {"of " + countOf(layout), {{"buttons", records(layout)}}};
+    call.request = {"with " + countOf(layout), {{"buttons", records(layout)}}};
     call.behave = [&] {
       peers_.display.setLayout(layout);
       return 0;

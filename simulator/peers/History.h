@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What has happened so far, for commands that ask about it.
 #ifndef MURLINK_SIMULATOR_PEERS_HISTORY_H
 #define MURLINK_SIMULATOR_PEERS_HISTORY_H
 
@@ -13,7 +12,7 @@
 
 namespace simulator {
 
-// Any thread may use it.
+// All calls and reports so far, for the commands that ask about them. Any thread may use it.
 class History {
  public:
   void addCall(std::string rpc, std::optional<int> feature, Message event);
@@ -22,9 +21,9 @@ class History {
 
   // Every call and press, oldest first.
   std::vector<Message> events();
-  // How many calls fit.
+  // The number of matching calls.
   int count(const CallPattern& pattern);
-  // The first call that fits and came after the last one that this function returned.
+  // The first matching call after the last one that this function returned.
   std::optional<Message> nextCall(const CallPattern& pattern);
 
  private:
@@ -36,7 +35,7 @@ class History {
 
   std::mutex mutex_;
   std::vector<Event> events_;
-  std::size_t waited_for_ = 0;  // up to here
+  std::size_t waited_for_ = 0;  // nextCall() starts here
 
   static bool isCall(const Event& event, const CallPattern& pattern);
 };

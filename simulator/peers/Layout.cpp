@@ -22,7 +22,7 @@ void addOnce(Ids& ids, int id) {
   }
 }
 
-// 0 to kColumns, also for what is no position at all.
+// 0 to kColumns, even for positions out of range and NaN.
 int columnAt(float position) {
   if (!(position > 0)) {
     return 0;
@@ -34,7 +34,7 @@ std::vector<Ids> columnsOf(const Layout& layout) {
   std::vector<Ids> columns(kColumns);
   for (const Button& button : layout) {
     const int first = std::min(columnAt(button.start), kColumns - 1);
-    const int end = std::max(columnAt(button.end), first + 1);  // narrow ones are seen, too
+    const int end = std::max(columnAt(button.end), first + 1);  // at least one column
     for (int column = first; column < end; ++column) {
       addOnce(columns[static_cast<std::size_t>(column)], button.id);
     }
@@ -73,7 +73,7 @@ std::string text(float position) {
   return {digits.data(), result.ptr};
 }
 
-// A float is sent, but 0.1 shall not be shown as 0.10000000149011612.
+// Converted directly, the float 0.1 would be shown as 0.10000000149011612.
 double decimal(float position) {
   const std::string digits = text(position);
   double number = 0;

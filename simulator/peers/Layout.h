@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A layout of buttons, and how it is shown.
+// A layout of buttons, and its forms in the output.
 #ifndef MURLINK_SIMULATOR_PEERS_LAYOUT_H
 #define MURLINK_SIMULATOR_PEERS_LAYOUT_H
 
@@ -17,16 +17,15 @@ struct Button {
   float end;
 };
 
-// In the order in which it was sent. Whatever was sent is shown, be it sensible or not.
+// In the order in which the library sent it. Invalid layouts are stored and shown, too.
 using Layout = std::vector<Button>;
 
-// The width of a layout in one line, such as "0 [--1--][2]......|..... 1". Buttons that overlap
-// share a box, "[1+2]"; a box that is too narrow for its ids goes without, and "|" is the narrowest
-// one.
+// A drawing in one line, such as "0 [--1--][2]......|..... 1". Buttons that overlap share a box,
+// "[1+2]"; a box too narrow for its ids is drawn without them; the narrowest box is "|".
 std::string picture(const Layout& layout);
 
-// A heading and a line a button: id, start, end. Every line ends with a newline; without buttons
-// there is none.
+// A heading and one line per button: id, start, end. Every line ends with a newline. Empty without
+// buttons.
 std::string table(const Layout& layout);
 
 // The ids of all buttons with start <= position <= end, each once, in the layout's order.

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// The robot's features and how a well-behaved robot side answers for them.
 #ifndef MURLINK_SIMULATOR_PEERS_ROBOT_H
 #define MURLINK_SIMULATOR_PEERS_ROBOT_H
 
@@ -20,11 +19,12 @@ std::string_view stateName(State state);
 // The answers `s` of the robot side.
 enum Answer { kDone = 0, kAlready = 1, kNotSwitchedOn = 4, kNoSuchFeature = 5 };
 
-// Every known feature starts off. Any thread may use it.
+// The states of the robot's features, and how the robot answers calls. Every known feature is off at
+// first. Any thread may use it.
 class Robot {
  public:
-  // What the robot answers to one of robotRpcs(), after it has done what was asked. A feature that
-  // is not switched on cannot run; one that is off counts as stopped.
+  // Carries out one of robotRpcs() and returns the answer. A feature must be on before it can run;
+  // one that is off counts as stopped.
   Answer handle(std::string_view rpc, int feature);
 
   std::optional<State> state(int feature);

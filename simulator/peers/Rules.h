@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the simulator was told to do instead of behaving.
 #ifndef MURLINK_SIMULATOR_PEERS_RULES_H
 #define MURLINK_SIMULATOR_PEERS_RULES_H
 
@@ -15,7 +14,7 @@
 
 namespace simulator {
 
-// How one call is treated. The default is to behave: to answer as the peer itself would, at once.
+// How to answer a call. The default is the usual answer, at once.
 struct Action {
   std::chrono::milliseconds wait{0};
   bool never = false;
@@ -26,16 +25,16 @@ struct Action {
 struct Rule {
   CallPattern calls;
   Action action;
-  std::optional<int> times;  // absent: until told otherwise
+  std::optional<int> times;  // absent: unlimited
 };
 
-// Any thread may use it.
+// The rules that were added with "when". Any thread may use them.
 class Rules {
  public:
   void add(Rule rule);
   void clear();
-  // The action of a call that has come. The latest rule that fits decides; one that is used up
-  // gives way to the one before it.
+  // The action for a call that has arrived. The latest matching rule applies, and is removed after
+  // its last time.
   Action take(std::string_view rpc, std::optional<int> feature);
 
  private:

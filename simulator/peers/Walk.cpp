@@ -8,13 +8,13 @@
 namespace simulator {
 namespace {
 
-// A part of the way, as progress on it.
+// A part of the path, in progress along it.
 struct Stretch {
   double begin;
   double end;
 };
 
-// From the first to the last touch of a button; all of it for a foot that stands still.
+// Where the foot is on the button; the whole path when it does not move.
 Stretch stretchOf(const Button& button, double from, double to) {
   if (from == to) {
     return {0, 1};
@@ -27,7 +27,7 @@ Stretch stretchOf(const Button& button, double from, double to) {
   return {std::min(start, end), std::max(start, end)};
 }
 
-// Puts overlapping stretches together.
+// Joins stretches that overlap.
 std::vector<Stretch> merged(std::vector<Stretch> stretches) {
   std::sort(stretches.begin(), stretches.end(),
             [](const Stretch& a, const Stretch& b) { return a.begin < b.begin; });

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// What a foot that moves over a layout presses and releases on its way.
 #ifndef MURLINK_SIMULATOR_PEERS_WALK_H
 #define MURLINK_SIMULATOR_PEERS_WALK_H
 
@@ -10,15 +9,16 @@
 
 namespace simulator {
 
+// A press or a release during a walk.
 struct Step {
-  double progress;  // 0 at the start of the way, 1 at its end
+  double progress;  // 0 at the start of the path, 1 at its end
   Edge edge;
   int id;
 };
 
-// The foot is put down at `from` and lifted at `to`. In the order of time; where one button ends
-// and the next one starts, that one is pressed before the other is released. Records of one button
-// that touch or overlap count as one.
+// What a foot presses and releases that is put down at `from`, moves to `to` and is lifted there, in
+// order of time. Where two buttons touch, the next one is pressed before the last one is released.
+// Records with the same id that touch or overlap count as one button.
 std::vector<Step> stepsOf(const Layout& layout, float from, float to);
 
 }  // namespace simulator

@@ -33,7 +33,7 @@ std::optional<std::string> LineInput::next() {
     if (length > 0) {
       buffer_.append(chunk.data(), static_cast<std::size_t>(length));
     } else if (length == 0) {
-      // A last line may lack its newline.
+      // The last line may have no newline.
       return buffer_.empty() ? std::nullopt : std::optional(std::exchange(buffer_, {}));
     } else if (errno != EINTR) {
       throw std::system_error(errno, std::generic_category(), "cannot read commands");

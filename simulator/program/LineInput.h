@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Lines from a file descriptor, until it ends or the simulator does.
 #ifndef MURLINK_SIMULATOR_PROGRAM_LINE_INPUT_H
 #define MURLINK_SIMULATOR_PROGRAM_LINE_INPUT_H
 
@@ -10,13 +9,14 @@
 
 namespace simulator {
 
+// Reads lines from a file descriptor until its end or the stop signal.
 class LineInput {
  public:
   // Does not close `descriptor`.
   LineInput(int descriptor, StopSignal& stop) : descriptor_(descriptor), stop_(stop) {}
 
-  // The next line without its newline; none when the input or the simulator ends. Throws
-  // std::system_error when the input cannot be read.
+  // The next line without its newline; none at the end of the input and after the stop signal.
+  // Throws std::system_error when the input cannot be read.
   std::optional<std::string> next();
 
  private:

@@ -17,7 +17,7 @@ std::string checkAddress(const std::string& address) {
     return "";
   } catch (const SyntaxError&) {
     return "\"" + address +
-           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 takes a free one), or off";
+           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 selects a free port), or \"off\"";
   }
 }
 
@@ -32,20 +32,22 @@ void defineSide(CLI::App& app, const char* name, std::string& address, const cha
 
 std::optional<ExitCode> Options::parse(int argc, char** argv) {
   CLI::App app(
-      "Plays the services that libmurlink-robot talks to, and the feet that press its buttons.",
+      "Simulates the peers of libmurlink-robot: the robot side, the display side, and the "
+      "recogniser that reports presses of buttons.",
       "murlink-simulator");
-  defineSide(app, "--robot", robot, "where the robot-side service listens");
-  defineSide(app, "--display", display, "where the display-side service listens");
-  app.add_option("--script", script, "file of commands to carry out before standard input")
+  defineSide(app, "--robot", robot, "address of the robot side");
+  defineSide(app, "--display", display, "address of the display side");
+  app.add_option("--script", script, "file of commands to run before those from standard input")
       ->type_name("FILE");
-  app.add_flag("--json", json, "print one JSON object a line, for machines");
+  app.add_flag("--json", json, "print one JSON object per line, for programs");
   app.add_flag("--quiet", quiet,
-               "print answers, not every call and press; \"history\" shows those");
-  app.add_flag("--stay", stay, "go on after the end of standard input, until SIGTERM");
+               "print only answers, not calls and presses (\"history\" lists them)");
+  app.add_flag("--stay", stay,
+               "keep running after the end of standard input, until SIGTERM or SIGINT");
   app.footer(
-      "Commands are read from standard input, one a line; \"help\" explains them.\n"
-      "Exit codes: 0 ended as asked, 1 wrong usage, 2 an address cannot be listened on, 3 a "
-      "command failed (its answer was an error).");
+      "Commands are read from standard input, one per line; \"help\" explains them.\n"
+      "Exit codes: 0 success, 1 wrong usage or unreadable file, 2 cannot listen on an "
+      "address, 3 a command was answered with an error.");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -18,7 +18,7 @@ SignalWatch::SignalWatch(StopSignal& stop) {
 }
 
 SignalWatch::~SignalWatch() {
-  // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread,cert-pos44-c): the thread waits for just this
+  // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread,cert-pos44-c): the thread waits for this signal
   pthread_kill(thread_.native_handle(), SIGTERM);
   thread_.join();
 }

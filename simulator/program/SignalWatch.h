@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-// Turns SIGTERM and SIGINT into a request to end.
 #ifndef MURLINK_SIMULATOR_PROGRAM_SIGNAL_WATCH_H
 #define MURLINK_SIMULATOR_PROGRAM_SIGNAL_WATCH_H
 
@@ -10,7 +9,8 @@
 
 namespace simulator {
 
-// Make it before any other thread: threads inherit the blocked signals.
+// Raises the stop signal on SIGTERM and SIGINT. Must be created before any other thread, because
+// threads inherit the blocked signals.
 class SignalWatch {
  public:
   explicit SignalWatch(StopSignal& stop);

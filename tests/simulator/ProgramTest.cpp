@@ -84,7 +84,7 @@ TEST(TextOutput, HasOneLinePerAnswer) {
 TEST(TextOutput, OfHelpEndsWithItsAnswer) {
   EXPECT_EQ(runScript("help quit\n").out,
             "  quit\n"
-            "      End the simulator, like the end of the input.\n"
+            "      End the simulator, even with --stay.\n"
             "ok\n");
 }
 

@@ -153,7 +153,7 @@ INSTANTIATE_TEST_SUITE_P(
         Expectation{"NoButtons", "expect buttons", "the layout should be empty but is 4"},
         Expectation{"AnAddress", "expect address 127.0.0.1:1",
                     "the address for presses should be 127.0.0.1:1 but is none"},
-        Expectation{"AnAnswer", "expect s 0", "nothing has been pressed yet"}),
+        Expectation{"AnAnswer", "expect s 0", "no press has been reported yet"}),
     rowName<Expectation>);
 
 TEST_F(Script, ExpectsNoAnswerOfAFailedReport) {
@@ -190,7 +190,7 @@ TEST_F(Script, ForgetsEverythingOnReset) {
        {"expect calls 0", "expect buttons", "expect address none", "expect state gesture off"}) {
     EXPECT_NO_THROW(simulator.command(command)) << command;
   }
-  EXPECT_THAT(simulator.refusal("expect s 0"), HasSubstr("nothing has been pressed yet"));
+  EXPECT_THAT(simulator.refusal("expect s 0"), HasSubstr("no press has been reported yet"));
 }
 
 TEST_F(Script, RepeatsACommand) {

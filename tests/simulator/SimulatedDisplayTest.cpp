@@ -92,7 +92,7 @@ TEST(TextOfACall, ShowsTheLayout) {
     SimulatorClient(display.address()).setButtons(kTwo);
   }
 
-  EXPECT_THAT(out.str(), StartsWith("call 1: setButtons of 2 buttons from 127."));
+  EXPECT_THAT(out.str(), StartsWith("call 1: setButtons with 2 buttons from 127."));
   EXPECT_THAT(out.str(), HasSubstr("s\n0 [-1--].........................."));
   EXPECT_THAT(out.str(), HasSubstr("\n          1  0               0.1\n"));
   EXPECT_THAT(out.str(), EndsWith("\n          2  0.5             1\nreply 1: s=0\n"));

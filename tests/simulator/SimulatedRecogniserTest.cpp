@@ -126,7 +126,7 @@ TEST_F(SimulatedRecogniser, RefusesWhileFootTouchIsNotRunning) {
     simulator.command(std::string("set foot-touch ") + state);
     for (const char* command :
          {"press 1", "release 1", "tap 1", "touch 0", "lift", "walk 0 1 0s"}) {
-      EXPECT_THAT(simulator.refusal(command), HasSubstr("foot touch does not run")) << command;
+      EXPECT_THAT(simulator.refusal(command), HasSubstr("foot touch is not running")) << command;
     }
   }
   EXPECT_THAT(received(), IsEmpty());
@@ -146,7 +146,8 @@ TEST_F(SimulatedRecogniser, ReportsAnyStateWhenForced) {
 TEST_F(SimulatedRecogniser, RefusesWithoutAnAddress) {
   simulator.command("reset");
 
-  EXPECT_THAT(simulator.refusal("press 1 --force"), HasSubstr("nobody has said where"));
+  EXPECT_THAT(simulator.refusal("press 1 --force"),
+              HasSubstr("the address to report presses to is unknown"));
 }
 
 // ---- Feet
@@ -177,8 +178,8 @@ TEST_F(SimulatedRecogniser, AcceptsOneFootOnly) {
   EXPECT_THAT(simulator.refusal("lift"), HasSubstr("the foot is not on a button"));
   EXPECT_THAT(simulator.refusal("touch 0.75"), HasSubstr("there is no button at 0.75"));
   simulator.command("touch 0.25");
-  EXPECT_THAT(simulator.refusal("touch 0.25"), HasSubstr("the foot is down already"));
-  EXPECT_THAT(simulator.refusal("walk 0 1 1s"), HasSubstr("the foot is down already"));
+  EXPECT_THAT(simulator.refusal("touch 0.25"), HasSubstr("the foot is already down"));
+  EXPECT_THAT(simulator.refusal("walk 0 1 1s"), HasSubstr("the foot is already down"));
   simulator.command("lift");
   EXPECT_THAT(simulator.refusal("lift"), HasSubstr("the foot is not on a button"));
 }
