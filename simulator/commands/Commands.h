@@ -17,8 +17,7 @@ namespace simulator {
 // All commands by name. Runs one command per line; every command has one answer.
 class Commands {
  public:
-  // Carries out one command, given the words after its name, and returns the answer. Throws
-  // CommandError.
+  // Runs a command, given the words after its name, and returns the answer. Throws CommandError.
   using Run = std::function<Message(WordReader&)>;
 
   struct Entry {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Reads the words of a command. Every function throws SyntaxError when a word is none of its kind.
+// Reads the words of a command. Every function throws SyntaxError when the word is not valid.
 #ifndef MURLINK_SIMULATOR_COMMANDS_PARSING_H
 #define MURLINK_SIMULATOR_COMMANDS_PARSING_H
 

@@ -98,7 +98,7 @@ Message walk(Peers& peers, WordReader& words) {
   PressReports reports(peers, takeForce(words));
   expectLiftedFoot(peers);
   const auto start = steady_clock::now();
-  // Each step has its time since the start, so that a slow report does not delay all steps after it.
+  // Steps are timed from the start, so a slow report delays only those that are due meanwhile.
   const auto sleepUntil = [&](double progress) {
     const auto wanted = start + progress * std::chrono::duration<double, std::milli>(duration);
     const auto left = std::chrono::ceil<milliseconds>(wanted - steady_clock::now());

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// How commands write a rule: "RPC [FEATURE] [wait TIME] [answer S | fail STATUS | never] [once | N
-// times]".
+// How commands write a rule: "service_On gesture wait 3s fail UNAVAILABLE 2 times".
 #ifndef MURLINK_SIMULATOR_COMMANDS_RULE_SYNTAX_H
 #define MURLINK_SIMULATOR_COMMANDS_RULE_SYNTAX_H
 

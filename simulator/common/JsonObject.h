@@ -49,7 +49,7 @@ class JsonObject {
   void set(std::string_view name, JsonValue value);
   // Sets every field of `other`.
   void update(const JsonObject& other);
-  // Null when there is none of that name.
+  // Null when there is no field of that name.
   const JsonValue* find(std::string_view name) const;
 
   // In one line.

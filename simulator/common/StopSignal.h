@@ -8,11 +8,10 @@
 
 namespace simulator {
 
-// What commands and calls say that the stop signal interrupts.
+// The reason given when the signal interrupts a command or a call.
 constexpr const char* kShuttingDown = "the simulator is shutting down";
 
-// Raised once, when the simulator shuts down, to interrupt everything that waits. Any thread may
-// use it.
+// Raised once, when the simulator shuts down, to interrupt everything that waits. Thread-safe.
 class StopSignal {
  public:
   StopSignal();

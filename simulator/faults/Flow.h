@@ -25,7 +25,7 @@ class Flow {
   bool hasEnded() const { return ended_; }
   // True when the destination has been told so, after all data.
   bool isDone() const { return done_; }
-  // When write() is to be called; Time::max() when it waits for something else than time.
+  // When write() is to be called; Time::max() when it waits for anything other than time.
   Time due() const;
 
   // Reads what has arrived, to be forwarded at `due`. False when the source failed.

@@ -23,7 +23,7 @@ namespace simulator {
 // construction to destruction, on a thread of its own. Any thread may use it.
 class Proxy {
  public:
-  // Both are HOST:PORT with an IPv4 address; port 0 listens on any free port. The proxy connects to
+  // Both are HOST:PORT with an IPv4 address; port 0 selects a free port. The proxy connects to
   // the peer once per client, so the peer may start later. Throws std::system_error.
   Proxy(const std::string& address, const std::string& peer);
   // Closes all connections at once.

@@ -27,7 +27,7 @@ class Socket {
 
 // Addresses are HOST:PORT, the host an IPv4 address in dotted form.
 
-// Port 0 takes any free port. Throws std::system_error.
+// Port 0 selects a free port. Throws std::system_error.
 Socket listenOn(const std::string& address);
 // Still connecting, or not open when connecting failed at once.
 Socket connectTo(const std::string& address);

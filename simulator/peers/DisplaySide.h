@@ -7,8 +7,7 @@
 
 namespace simulator {
 
-// Serves the calls to the display side. Of its four rpcs the library uses two; the others stay
-// unimplemented.
+// Serves the calls to the display side. Only the two rpcs that the library uses are implemented.
 class DisplaySide final : public PeerServer {
  public:
   // `address` is as for PeerServer; `peers` must outlive this object. Throws CannotListen.

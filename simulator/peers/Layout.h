@@ -24,8 +24,8 @@ using Layout = std::vector<Button>;
 // "[1+2]"; a box too narrow for its ids is drawn without them; the narrowest box is "|".
 std::string picture(const Layout& layout);
 
-// A heading and one line per button: id, start, end. Every line ends with a newline. Empty without
-// buttons.
+// A heading and one line per button: id, start, end. Each line ends with a newline. Empty when the
+// layout is empty.
 std::string table(const Layout& layout);
 
 // The ids of all buttons with start <= position <= end, each once, in the layout's order.

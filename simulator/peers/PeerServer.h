@@ -21,7 +21,7 @@ class CannotListen : public std::runtime_error {
 // A gRPC server with one service, listening from construction to destruction.
 class PeerServer {
  public:
-  // `address` is HOST:PORT; port 0 takes any free port. Throws CannotListen.
+  // `address` is HOST:PORT; port 0 selects a free port. Throws CannotListen.
   PeerServer(const std::string& address, std::unique_ptr<grpc::Service> service);
   // Cancels the calls that are still running after half a second; their handlers must then return.
   virtual ~PeerServer();

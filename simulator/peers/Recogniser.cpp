@@ -103,7 +103,7 @@ Press Recogniser::report(const std::string& address, Edge edge, int id) {
 }
 
 void Recogniser::reset() {
-  connection_.reset();  // with its back-off after a lost connection
+  connection_.reset();  // a new connection starts without back-off
   touched_.clear();
   last_.reset();
 }

@@ -31,8 +31,7 @@ struct Press {
 // "press 3: s=0", "release 3: UNAVAILABLE"
 Message describe(const Press& press);
 
-// The process that recognises feet and reports them to the library as presses of buttons. For one
-// thread only.
+// Recognises feet and reports them to the library as presses of buttons. For one thread only.
 class Recogniser {
  public:
   Recogniser(Output& output, History& history, StopSignal& stop);

@@ -33,8 +33,8 @@ class Rules {
  public:
   void add(Rule rule);
   void clear();
-  // The action for a call that has arrived. The latest matching rule applies, and is removed after
-  // its last time.
+  // The action for a call that has arrived. The latest matching rule applies; it is removed
+  // once it has applied its number of times.
   Action take(std::string_view rpc, std::optional<int> feature);
 
  private:

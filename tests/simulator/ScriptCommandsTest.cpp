@@ -25,8 +25,7 @@ class Script : public ::testing::Test {
   SimulatorProcess simulator{{"--robot", "127.0.0.1:0", "--display", "127.0.0.2:0"}};
   SimulatorClient display{simulator.address("display")};
 
-  // Makes the recogniser report to the simulated robot: service_On for a press, service_Off for a
-  // release.
+  // Makes the recogniser call the simulated robot: service_On for a press.
   void callRobot(const std::string& command) {
     simulator.command("callback " + simulator.address("robot"));
     simulator.command(command + " --force");
