@@ -102,7 +102,7 @@ std::string parseAddress(std::string_view word) {
 }
 
 std::string parseIpv4Address(std::string_view word) {
-  const std::string address = parseAddress(word);
+  std::string address = parseAddress(word);
   in_addr host{};
   if (inet_pton(AF_INET, address.substr(0, address.rfind(':')).c_str(), &host) != 1) {
     expected("an IPv4 address and a port, such as 127.0.0.1:26710", word);

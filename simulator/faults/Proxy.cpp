@@ -7,14 +7,15 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "faults/BrokenPeer.h"
 #include "faults/Relay.h"
 
 namespace simulator {
 
-Proxy::Proxy(const std::string& address, const std::string& peer)
-    : peer_(peer),
+Proxy::Proxy(const std::string& address, std::string peer)
+    : peer_(std::move(peer)),
       listener_(listenOn(address)),
       address_(addressOf(listener_)),
       wake_(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),

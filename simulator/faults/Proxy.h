@@ -25,7 +25,7 @@ class Proxy {
  public:
   // Both are HOST:PORT with an IPv4 address; port 0 selects a free port. The proxy connects to
   // the peer once per client, so the peer may start later. Throws std::system_error.
-  Proxy(const std::string& address, const std::string& peer);
+  Proxy(const std::string& address, std::string peer);
   // Closes all connections at once.
   ~Proxy();
   Proxy(const Proxy&) = delete;

@@ -17,7 +17,7 @@ std::string checkAddress(const std::string& address) {
     return "";
   } catch (const SyntaxError&) {
     return "\"" + address +
-           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 selects a free port), or \"off\"";
+           "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 selects a free port), or off";
   }
 }
 
