@@ -133,7 +133,7 @@ TEST(ReadmeExample, RecognisesGesturesUntilEnter) {
   robot.waitForEvent([](const auto& event) { return event.value("rpc", "") == "program_run"; });
   EXPECT_THAT(robot.calls("program_stop"), IsEmpty());
 
-  example.say("\n");
+  example.send("\n");
 
   EXPECT_EQ(example.end(), 0);
   EXPECT_THAT(robot.calls("program_stop"), SizeIs(1));

@@ -10,6 +10,7 @@
 #include "support/CallbackServer.h"
 #include "support/LogCapture.h"
 #include "support/RowName.h"
+#include "support/Within.h"
 
 namespace {
 

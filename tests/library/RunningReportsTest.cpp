@@ -11,10 +11,10 @@
 
 #include "support/CallbackServer.h"
 #include "support/Http2Frames.h"
-#include "support/Listener.h"
 #include "support/LogCapture.h"
 #include "support/RawConnection.h"
 #include "support/RecogniserProcess.h"
+#include "support/Within.h"
 
 namespace {
 

@@ -17,6 +17,7 @@
 #include "support/Listener.h"
 #include "support/LogCapture.h"
 #include "support/RawConnection.h"
+#include "support/Within.h"
 
 namespace {
 

@@ -17,8 +17,8 @@ inline IntMessage withUnknownField(std::size_t length) {
   return message;
 }
 
-// Presses a button with a message of `size` bytes, most of them in a field that the library does not
-// know. Returns how the call ended.
+// Presses a button with a message of `size` bytes, most of them in a field that the library does
+// not know. Returns how the call ended.
 inline grpc::StatusCode pressOfSize(std::size_t size) {
   const std::size_t head = withUnknownField(size).ByteSizeLong() - size;
   StatusResponse response;
