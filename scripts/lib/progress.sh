@@ -65,3 +65,11 @@ show_time() {
   done
   end_progress
 }
+
+# step NAME COMMAND ...: says how long the command took.
+step() {
+  local begin=$SECONDS
+  echo "== $1"
+  "${@:2}"
+  echo "== $1: $((SECONDS - begin)) s"
+}
