@@ -23,7 +23,7 @@ using std::chrono::steady_clock;
 
 // A base class, because it must outlive the fixture, whose destructor waits for callbacks.
 struct Watched {
-  const Watchdog watchdog{"a test of callbacks", seconds(times(120, 7'200))};
+  const Watchdog watchdog{"a test of callbacks", std::chrono::minutes(2) * times(1, 60)};
 };
 
 class Callback : private Watched, public RunningFootTouch {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Endurance.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
@@ -11,14 +12,27 @@ const char* minutes() {
   return std::getenv("MURLINK_SOAK_MINUTES");
 }
 
+constexpr int kTenth = 10;
+
+bool isSmallest() {
+  const char* const size = std::getenv("MURLINK_ENDURANCE");
+  return size != nullptr && std::string(size) == "smallest";
+}
+
 }  // namespace
 
 int times(int short_run, int long_run) {
-  return minutes() == nullptr ? short_run : long_run;
+  if (minutes() != nullptr) {
+    return long_run;
+  }
+  return isSmallest() ? std::max(std::min(short_run, 1), short_run / kTenth) : short_run;
 }
 
 std::chrono::seconds lasting(std::chrono::seconds short_run) {
-  return minutes() == nullptr ? short_run : std::chrono::minutes(std::atoi(minutes()));
+  if (minutes() != nullptr) {
+    return std::chrono::minutes(std::atoi(minutes()));
+  }
+  return isSmallest() ? short_run / kTenth : short_run;
 }
 
 void figure(const std::string& tried, long times, const std::string& seen) {

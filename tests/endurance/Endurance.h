@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The two sizes of an endurance test, and its figures. scripts/test runs the short size;
-// scripts/soak sets MURLINK_SOAK_MINUTES, which selects the long one.
+// The sizes of an endurance test, and its figures. scripts/test runs the short size, and with a
+// sanitizer the smallest (MURLINK_ENDURANCE=smallest): a tenth of the short one. scripts/soak sets
+// MURLINK_SOAK_MINUTES, which selects the long one.
 #ifndef MURLINK_TESTS_ENDURANCE_H
 #define MURLINK_TESTS_ENDURANCE_H
 
