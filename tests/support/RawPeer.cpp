@@ -24,8 +24,8 @@ grpc::ByteBuffer bufferOf(const std::string& bytes) {
   return {&slice, 1};
 }
 
-// gRPC runs its steps one after the other on several threads. ThreadSanitizer does not see that
-// order inside gRPC, so each step holds the peer's mutex.
+// gRPC runs the steps of a call one after the other, on several threads. ThreadSanitizer does not
+// see that order inside gRPC, so each step locks the mutex before it reads a member.
 class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
  public:
   UnaryCall(RawPeer& peer, const std::string& path)
@@ -43,7 +43,7 @@ class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
   }
 
   void OnDone() override {
-    { const std::lock_guard<std::mutex> lock(peer_.mutex_); }
+    { const std::lock_guard<std::mutex> lock(mutex_); }
     delete this;
   }
 
@@ -54,7 +54,7 @@ class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
   grpc::ByteBuffer reply_;
 
   grpc::Status take() {
-    const std::lock_guard<std::mutex> lock(peer_.mutex_);
+    const std::lock_guard<std::mutex> lock(mutex_);
     peer_.calls_.push_back({rpc_, bytesOf(request_)});
     reply_ = bufferOf(peer_.answer_.bytes);
     return {peer_.answer_.status, ""};
@@ -62,6 +62,7 @@ class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
 };
 
 RawPeer::RawPeer(const std::string& address) {
+  const std::lock_guard<std::mutex> before_every_call(mutex_);
   grpc::ServerBuilder builder;
   builder.AddChannelArgument(GRPC_ARG_ALLOW_REUSEPORT, 0);
   builder.AddListeningPort(address, grpc::InsecureServerCredentials());
@@ -74,6 +75,7 @@ RawPeer::RawPeer(const std::string& address) {
 
 RawPeer::~RawPeer() {
   server_->Shutdown();
+  const std::lock_guard<std::mutex> after_every_call(mutex_);
 }
 
 void RawPeer::answerWith(Answer answer) {

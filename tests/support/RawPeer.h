@@ -41,7 +41,7 @@ class RawPeer : private grpc::CallbackGenericService {
  private:
   class UnaryCall;
 
-  std::mutex mutex_;
+  inline static std::mutex mutex_;  // static, so that no object must be read to lock it
   Answer answer_;
   std::vector<Call> calls_;
   std::unique_ptr<grpc::Server> server_;
