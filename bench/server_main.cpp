@@ -5,7 +5,6 @@
 // presses' latency.
 #include <cstdio>
 #include <exception>
-#include <fstream>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -16,6 +15,7 @@
 #include "Samples.h"
 #include "Stamp.h"
 #include "support/Listener.h"
+#include "support/Resources.h"
 
 namespace {
 
@@ -31,17 +31,6 @@ void receivePress(int id) {
   }
 }
 
-// A number of /proc/self/status.
-long status(const std::string& name) {
-  std::ifstream file("/proc/self/status");
-  for (std::string line; std::getline(file, line);) {
-    if (line.compare(0, name.size(), name) == 0) {
-      return std::stol(line.substr(name.size()));
-    }
-  }
-  throw std::runtime_error("no " + name + " in /proc/self/status");
-}
-
 void run() {
   bench::pressed = receivePress;
   auto begin = bench::Clock::now();
@@ -50,7 +39,7 @@ void run() {
   // The server may be built on a thread of its own, which takes long under valgrind.
   waitUntilListening(BENCH_CALLBACK_HOST, BENCH_CALLBACK_PORT, std::chrono::minutes(1));
   std::printf("{\"initialise_ns\": %ld, \"resident_kib\": %ld, \"threads\": %ld}\n", initialise_ns,
-              status("VmRSS:"), status("Threads:"));
+              residentKiB(), threads());
   std::fflush(stdout);
 
   std::cin.get();  // returns at the end of the input

@@ -28,11 +28,14 @@ int main(void) {
   if (result == FOOT_TOUCH_ERROR_NONE) {
     result = start_foot_touch();
   }
-  if (result == FOOT_TOUCH_ERROR_NONE) {
+  if (result == FOOT_TOUCH_ERROR_NONE || result == FOOT_TOUCH_ERROR_ALREADY_RUNNING) {
     puts("Two buttons are there. Press Enter to end.");
     fflush(stdout);
     getchar();
     result = stop_foot_touch();
+    if (result == FOOT_TOUCH_ERROR_NOT_RUNNING) {
+      result = FOOT_TOUCH_ERROR_NONE; /* another program has stopped it */
+    }
   }
 
   const int finalized = foot_touch_finalize();

@@ -37,8 +37,8 @@
  *   puts("The robot recognises gestures. Press Enter to stop.");
  *   getchar();
  *
- *   result = gesture_recognition_finalize();
- *   return result == GESTURE_RECOGNITION_ERROR_NONE ? 0 : 1;
+ *   gesture_recognition_finalize();
+ *   return 0;
  * }
  * @endcode
  *
@@ -46,8 +46,8 @@
  * Results
  *
  * Every function except foot_touch_set_button_cb() returns an int: 0 for success, otherwise a code
- * of #foot_touch_error or #gesture_recognition_error. The two sets are independent: only 0 means
- * the same in both. Every outcome is also written to the robot's log, with the tag "murlink".
+ * of #foot_touch_error or #gesture_recognition_error. Only the codes 0 to 4 have the same name in
+ * both sets: 5, for example, is a time-out for gestures and a missing lens for foot touch. Every outcome is also written to the robot's log, with the tag "murlink".
  *
  * When memory runs out, or the system cannot create a thread, a C++ exception leaves the function;
  * it terminates a program written in C. The next call works again.
@@ -55,9 +55,9 @@
  *
  * Blocking, retries and connections
  *
- * Every call to another process has a deadline of 2 s or less, given below for each function. The
- * library never retries. After a time-out or a lost connection the other side may or may not have
- * acted.
+ * Every call to another process has a deadline of 2 s at most, given below for each function. The
+ * library never retries. After a time-out or a lost connection it is unknown whether the other side
+ * has acted.
  *
  * gRPC reconnects by itself, but not at once. After an outage during which calls were made, it
  * waits before it connects again, longer after each failed attempt (back-off). Calls can therefore
@@ -91,8 +91,7 @@
  * descriptor is free, the library may accept no new connection afterwards, even once descriptors
  * are free; existing connections keep working. To recover, finalise and initialise foot touch.
  *
- * The first function called in a process needs free descriptors: without them gRPC aborts the
- * process.
+ * The first function called in a process needs free descriptors: without any, gRPC aborts it.
  *
  *
  * Threads
@@ -347,8 +346,7 @@ int foot_touch_finalize(void);
  *
  * Blocks until the display answers, 2 s at most. The library does not keep the layout: set it again
  * when it was refused or lost, and after the display has restarted. Buttons may touch but not
- * overlap. An id that is used twice is only reported in the log; buttons that share an id may
- * overlap.
+ * overlap. A duplicate id is only reported in the log, and its buttons may overlap.
  *
  * @param buttons  `count` records, read during the call only; may be NULL when `count` is 0.
  * @param count    number of records, 0 or more; 0 clears the layout. A negative number throws

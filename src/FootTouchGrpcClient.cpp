@@ -6,16 +6,11 @@
 #include "RobotChannel.h"
 #include "murlink_robot.h"
 
-using murlink::Command;
-using murlink::Feature;
-using murlink::Level;
-using murlink::RobotCall;
-using murlink::RobotStub;
-
+namespace murlink {
 namespace {
 
 constexpr Feature kFootTouch{
-    murlink::kSelectFootTouch,
+    kSelectFootTouch,
     {Level::Error, "foot touch is no more available", FOOT_TOUCH_ERROR_NOT_AVAILABLE},
     {Level::Error, "unknown cause to failure, error code %d", FOOT_TOUCH_ERROR_UNKNOWN},
     {Level::Error, "time out", FOOT_TOUCH_ERROR_TIMED_OUT},
@@ -59,6 +54,7 @@ constexpr Command kServiceOff{
 };
 
 }  // namespace
+}  // namespace murlink
 
 FootTouchGrpcClient* FootTouchGrpcClient::_instance = nullptr;
 
@@ -86,7 +82,7 @@ FootTouchGrpcClient::~FootTouchGrpcClient() {
 }
 
 int FootTouchGrpcClient::serviceOn() {
-  RobotCall call(kServiceOn);
+  murlink::RobotCall call(murlink::kServiceOn);
   LOG_INFO("FootTouchGrpcClient::serviceOn begin");
   call.send(*stub);
   // Asked only after the call: the peer gets service_On even from a device without the lens.
@@ -98,7 +94,7 @@ int FootTouchGrpcClient::serviceOn() {
 
 int FootTouchGrpcClient::programRun() {
   LOG_INFO("programRun BIEGIN");
-  RobotCall call(kProgramRun);
+  murlink::RobotCall call(murlink::kProgramRun);
   LOG_INFO("stub ->program_run() begin");
   call.send(*stub);
   LOG_INFO("stub ->program_run() done");
@@ -107,7 +103,7 @@ int FootTouchGrpcClient::programRun() {
 
 int FootTouchGrpcClient::programStop() {
   LOG_INFO("programStop BEGIN");
-  RobotCall call(kProgramStop);
+  murlink::RobotCall call(murlink::kProgramStop);
   LOG_INFO("stub ->program_stop() begin");
   call.send(*stub);
   LOG_INFO("stub ->program_stop() done");
@@ -115,7 +111,7 @@ int FootTouchGrpcClient::programStop() {
 }
 
 int FootTouchGrpcClient::serviceOff() {
-  RobotCall call(kServiceOff);
+  murlink::RobotCall call(murlink::kServiceOff);
   call.send(*stub);
   return call.conclude(HERE);
 }

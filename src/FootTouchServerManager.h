@@ -51,7 +51,7 @@ class FootTouchServerManager : public IFootTouchServerManager {
   int SetBtnCB(std::function<void(int, int, void*)> button_cb, void* user_data) override;
   int SendBtnInfo(std::vector<button>& buttons) override;
 
-  // The process's server, created when there is none: never null, and not always the one held here.
+  // Never null: creates the process's server when there is none, and does not store it here.
   FootTouch_Server* get_server_instance();
 
   static FootTouchServerManager* _instance;

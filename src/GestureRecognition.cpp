@@ -7,16 +7,11 @@
 #include "RobotChannel.h"
 #include "murlink_robot.h"
 
-using murlink::Command;
-using murlink::Feature;
-using murlink::Level;
-using murlink::RobotCall;
-using murlink::RobotStub;
-
+namespace murlink {
 namespace {
 
 constexpr Feature kGestureRecognition{
-    murlink::kSelectGestureRecognition,
+    kSelectGestureRecognition,
     {Level::Info, "gesture recognition is no more available",
      GESTURE_RECOGNITION_ERROR_NOT_AVAILABLE},
     {Level::Error, "unknown cause to failure, error code %d", GESTURE_RECOGNITION_ERROR_UNKNOWN},
@@ -64,14 +59,14 @@ constexpr Command kFinalize{
      GESTURE_RECOGNITION_ERROR_CONNECTION_FAILED},
 };
 
-// One command: sent, and concluded as a line of `site`.
-int carryOut(const Command& command, const murlink::CallSite& site) {
+int run(const Command& command, const CallSite& site) {
   RobotCall call(command);
   call.send(*stub);
   return call.conclude(site);
 }
 
 }  // namespace
+}  // namespace murlink
 
 GestureRecognition* GestureRecognition::instance = nullptr;
 
@@ -107,23 +102,23 @@ int GestureRecognition::InitGrpcClient() {
 int GestureRecognition::Initialize() {
   InitGrpcClient();
   LOG_INFO("%d,%d----", murlink::kSelectGestureRecognition, murlink::kSelectFootTouch);
-  return carryOut(kInitialize, HERE);
+  return murlink::run(murlink::kInitialize, HERE);
 }
 
 int GestureRecognition::StartRecognition() {
   InitGrpcClient();
-  return carryOut(kStartRecognition, HERE);
+  return murlink::run(murlink::kStartRecognition, HERE);
 }
 
 int GestureRecognition::StopRecognition() {
   InitGrpcClient();
-  return carryOut(kStopRecognition, HERE);
+  return murlink::run(murlink::kStopRecognition, HERE);
 }
 
 int GestureRecognition::Finalize() {
   // Called directly: an override of InitGrpcClient() does not run here.
   initialize_grpc_client();
-  return carryOut(kFinalize, HERE);
+  return murlink::run(murlink::kFinalize, HERE);
 }
 
 int gesture_recognition_initialize() {

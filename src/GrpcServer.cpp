@@ -12,10 +12,6 @@
 #include "ServerSetup.h"
 #include "UnaryCall.h"
 
-using murlink::CallRow;
-using murlink::Level;
-using murlink::UnaryCall;
-using murlink::Verdict;
 using zet::protobuf::app::Buttons;
 using zet::protobuf::app::Quarlo_TV_GRPC;
 
@@ -190,15 +186,15 @@ grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& requ
   const murlink::RunningReports::InFlight in_flight(reports);
   const Callback callback = currentCallback();
   if (!callback.function) {
-    LOG_AT(Level::Error, event.site, "callback not set");
+    LOG_AT(murlink::Level::Error, event.site, "callback not set");
     response.set_s(kCallbackNotSet);
     return grpc::Status::OK;
   }
-  logLine(Level::Info, event.site, event.begin);
-  logLine(Level::Info, event.site, event.request, request.x());
+  logLine(murlink::Level::Info, event.site, event.begin);
+  logLine(murlink::Level::Info, event.site, event.request, request.x());
   callback.function(request.x(), event.state, callback.data);
   response.set_s(0);
-  logLine(Level::Info, event.site, event.done);
+  logLine(murlink::Level::Info, event.site, event.done);
   return grpc::Status::OK;
 }
 
@@ -208,8 +204,8 @@ FootTouch_Server::Callback FootTouch_Server::currentCallback() {
 }
 
 void FootTouch_Server::set_button_cb(ButtonCallback callback, void* data) {
-  auto owner = std::make_shared<ButtonCallback>(std::move(callback));
-  ButtonCallback function = *owner ? ButtonCallback(std::ref(*owner)) : nullptr;
+  auto owner = callback ? std::make_shared<ButtonCallback>(std::move(callback)) : nullptr;
+  ButtonCallback function = owner ? ButtonCallback(std::ref(*owner)) : nullptr;
   // The former callback is destroyed at the end, without the lock, unless a press still calls it.
   const std::lock_guard<std::mutex> lock(callback_mutex);
   callback_owner.swap(owner);
@@ -219,6 +215,7 @@ void FootTouch_Server::set_button_cb(ButtonCallback callback, void* data) {
 
 // ---- Display
 
+namespace murlink {
 namespace {
 
 constexpr char kUnknown[] = "unknown cause to failure, error code %d";
@@ -228,24 +225,24 @@ constexpr Verdict kAddressRefused{Level::Error, kUnknown, kAddressLost};
 constexpr CallRow<Quarlo_TV_GRPC::Stub, StringMessage> kSetAddress{
     &Quarlo_TV_GRPC::Stub::setFootTouchAPIServerAddress,
     std::chrono::seconds(1),
-    {{Level::Info, "sync_address OK", 0},
-     kAddressRefused,
-     kAddressRefused,
-     kAddressRefused,
-     {Level::Error, "time out", kAddressLost},
-     {Level::Error, "sync_address failed, status not ok.", kAddressLost}}};
+    {/*done*/ {Level::Info, "sync_address OK", 0},
+     /*already*/ kAddressRefused,
+     /*gone*/ kAddressRefused,
+     /*unknown*/ kAddressRefused,
+     /*timed_out*/ {Level::Error, "time out", kAddressLost},
+     /*not_ok*/ {Level::Error, "sync_address failed, status not ok.", kAddressLost}}};
 
 constexpr Verdict kLayoutRefused{Level::Error, kUnknown, 6};
 constexpr Verdict kLayoutLost{Level::Error, "send_button_info failed, status not ok.", 4};
 constexpr CallRow<Quarlo_TV_GRPC::Stub, Buttons> kSetButtons{
     &Quarlo_TV_GRPC::Stub::setButtons,
     std::chrono::seconds(2),
-    {{Level::Info, "send_button_info successed", 0},
-     kLayoutRefused,
-     kLayoutRefused,
-     kLayoutRefused,
-     kLayoutLost,
-     kLayoutLost}};
+    {/*done*/ {Level::Info, "send_button_info successed", 0},
+     /*already*/ kLayoutRefused,
+     /*gone*/ kLayoutRefused,
+     /*unknown*/ kLayoutRefused,
+     /*timed_out*/ kLayoutLost,
+     /*not_ok*/ kLayoutLost}};
 
 StringMessage toMessage(const std::string& text) {
   StringMessage message;
@@ -265,12 +262,13 @@ Buttons toMessage(const std::vector<button>& buttons) {
 }
 
 }  // namespace
+}  // namespace murlink
 
 // Without initialize() there is no stub, and both calls fail without being sent.
 
 bool FootTouch_Server::sync_address() {
   LOG_INFO("sync_address");
-  UnaryCall call(kSetAddress, toMessage(server_address));
+  murlink::UnaryCall call(murlink::kSetAddress, murlink::toMessage(server_address));
   if (tv_stub != nullptr) {
     LOG_INFO("the address is :%s", server_address.c_str());
     LOG_INFO("send address");
@@ -280,7 +278,7 @@ bool FootTouch_Server::sync_address() {
 }
 
 int FootTouch_Server::send_button_info(std::vector<button>& buttons) {
-  UnaryCall call(kSetButtons, toMessage(buttons));
+  murlink::UnaryCall call(murlink::kSetButtons, murlink::toMessage(buttons));
   if (tv_stub != nullptr) {
     call.send(*tv_stub);
   }

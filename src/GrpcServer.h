@@ -67,8 +67,8 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   struct Event;
-  // What a press calls. It shares the function object, so that to replace the callback does not
-  // destroy the one that is running.
+  // What a press calls. It shares the function object: replacing the callback does not destroy it
+  // while it runs.
   struct [[gnu::visibility("hidden")]] Callback {
     std::shared_ptr<ButtonCallback> owner;
     ButtonCallback function;

@@ -53,7 +53,7 @@ bool isValidPair(const button& a, const button& b, const CallSite& site) {
 }
 
 // So far apart that they do not overlap, however overlap() rounds: the error of its four operations
-// is 2e-7 at most. False with a NaN, which overlaps with nothing either way.
+// is 2e-7 at most. With a NaN the result does not matter: it overlaps with nothing.
 bool areClearlyApart(const button& a, const button& b) {
   constexpr float kMargin = 1e-6F;
   return std::max(b.start - (a.end + kMargin), (a.start - kMargin) - b.end) > 0;

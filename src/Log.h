@@ -14,7 +14,7 @@ namespace murlink {
 
 enum class Level { Info = DLOG_INFO, Error = DLOG_ERROR };
 
-// The source line that a log line names. A helper that logs for its caller gets the caller's.
+// The source line that a log line names. A function that logs for its caller gets the caller's.
 struct CallSite {
   const char* file;
   const char* function;

@@ -7,7 +7,7 @@
 
 #include <mutex>
 
-#include "FootTouchGrpcClient.h"
+#include "FootTouchGrpcClient.h"  // declares initialize_grpc_client()
 #include "NeverDestroyed.h"
 
 using murlink::neverDestroyed;

@@ -3,7 +3,6 @@
 
 #include <grpc/grpc.h>
 
-#include <algorithm>
 #include <exception>
 
 namespace murlink {
@@ -13,9 +12,8 @@ namespace {
 // How long gRPC has to send the answer to a report whose callback has returned.
 constexpr std::chrono::seconds kAnswerGrace{1};
 
-// How long a report that has just arrived has to reach its handler, on a processor that may have to
-// wake up first; and how long idle clients have to close their connections. Few do: gRPC reads from
-// an idle connection only every few seconds.
+// Grace for a report that has arrived but not reached its handler (the processor may be asleep), and
+// for idle clients to disconnect. Few do: gRPC reads an idle connection only every few seconds.
 constexpr std::chrono::milliseconds kIdleGrace{5};
 
 }  // namespace
@@ -47,8 +45,7 @@ void RunningReports::cancelIdleClients(grpc::Server& server, const std::future<v
   }
 }
 
-// Until the grace period of the last answer is over; while a report is in flight, until the next
-// look.
+// Until the last answer's grace period is over. While a report is in flight: when to look again.
 RunningReports::Clock::duration RunningReports::remainingGrace() const {
   // In this order: a report that ends in between still has its answer to send.
   const bool is_running = running_ != 0;

@@ -15,9 +15,8 @@ constexpr int kMaxConcurrentCalls = 100;
 // limit, any client could keep 4 MiB of memory in use with each call.
 constexpr int kMaxMessageBytes = 64 * 1024;
 
-// A connection on which no HTTP/2 handshake has come by then is closed; gRPC's own limit is 120 s.
-// Idle connections after the handshake are kept: to close them, or to ping them, loses presses now
-// and then.
+// A connection without an HTTP/2 handshake by then is closed; gRPC's own limit is 120 s. Idle
+// connections after the handshake are kept: closing or pinging them occasionally loses a press.
 constexpr int kHandshakeTimeoutMs = 5000;
 
 std::mutex build_mutex;
@@ -26,12 +25,12 @@ bool process_exits = false;
 // While the process exits, gRPC destroys objects that it builds servers with, and another thread may
 // still initialise foot touch. Our static objects are destroyed before gRPC's: this destructor waits
 // for a build that is running, and no other starts after it.
-struct LastBuild {
-  ~LastBuild() {
+struct BuildGuardAtExit {
+  ~BuildGuardAtExit() {
     const std::lock_guard<std::mutex> lock(build_mutex);
     process_exits = true;
   }
-} last_build;
+} guard;
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// How the callback server is built: the limits on what clients can use of it, and when not to build
-// one.
+// How the callback server is built: its limits for clients, and when not to build one.
 #ifndef MURLINK_SERVER_SETUP_H
 #define MURLINK_SERVER_SETUP_H
 

@@ -41,8 +41,7 @@ class UnaryCall {
     }
   }
 
-  // Logs the outcome as a line of `site`, and returns its result. A call that was not sent has
-  // failed.
+  // Logs the outcome as a line of `site`, and returns its result. An unsent call counts as failed.
   int conclude(const CallSite& site) const {
     return murlink::conclude(row_.verdicts, reply_, site);
   }

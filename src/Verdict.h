@@ -33,7 +33,6 @@ struct Verdicts {
   Verdict not_ok;     // any other status
 };
 
-// The verdict on a reply.
 const Verdict& judge(const Verdicts& verdicts, const Reply& reply);
 
 // Logs the verdict on a reply as a line of `site`, and returns its result.

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""What goes out: commands, layouts; and the check of a layout before."""
+"""Outgoing calls, and the check of a layout."""
 import json
 
 from figures import plain, ratio
@@ -15,7 +15,7 @@ def commands(programs, size):
 
 
 def layouts(programs, size):
-    """A layout sent, as from where it has been checked and copied."""
+    """Sending a layout, without the check and the copy."""
     figures, sent = [], {}
     for count, calls in size.layouts.items():
         runs = in_turn(size.some, lambda side, c=count, n=calls: programs.tell(

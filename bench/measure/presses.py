@@ -19,7 +19,7 @@ def in_turn(rounds, measure, sides=SIDES):
 def press(programs, side, *options, sleep_ms=0, formats_log=False):
     """Fresh server, fresh recogniser: what both tell, times in microseconds."""
     with programs.started(f"{side}_server", sleep_ms, formats_log=formats_log) as server:
-        server.told()
+        server.printed()
         client = programs.tell("recogniser", *options)
         transit = server.finish()
     return {"p50": client["p50_ns"] / 1e3, "p99": client["p99_ns"] / 1e3,

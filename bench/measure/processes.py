@@ -9,7 +9,7 @@ import threading
 
 
 class Failure(Exception):
-    """A program ended badly, or told nothing that can be used."""
+    """A program ended badly, or printed nothing that can be used."""
 
 
 def output(*command):
@@ -32,7 +32,7 @@ class Programs:
         return self.build / "bench" / name
 
     def tell(self, name, *arguments, **how):
-        """Runs a program to its end, and returns what it told last."""
+        """Runs a program to its end, and returns what it printed last."""
         with self.started(name, *arguments, **how) as process:
             return process.finish()
 
@@ -60,19 +60,19 @@ class Process:
         self._limit = threading.Timer(limit_s, self._process.kill)
         self._limit.start()
 
-    def told(self):
+    def printed(self):
         """The next line that it tells."""
         return self._understood(self._process.stdout.readline())
 
     def finish(self):
-        """Ends its input, waits for its end, and returns what it told last."""
+        """Ends its input, waits for its end, and returns what it printed last."""
         out, _ = self._process.communicate()
         if self._process.returncode != 0:
             raise self._failure()
         return self._understood((out.strip().splitlines() or [""])[-1])
 
     def kill(self):
-        """Ends it, whatever it does."""
+        """Kills it."""
         self._limit.cancel()
         self._process.kill()
         self._process.wait()
@@ -88,6 +88,6 @@ class Process:
 
     def _failure(self, line=""):
         code = self._process.wait()
-        told = f" and told {line!r}" if line else ""
+        printed = f" and printed {line!r}" if line else ""
         late = " (its time was up)" if self._limit.finished.is_set() else ""
-        return Failure(f"{self._command} ended with {code}{told}{late}")
+        return Failure(f"{self._command} ended with {code}{printed}{late}")

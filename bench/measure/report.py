@@ -42,7 +42,7 @@ def with_unit(value, unit, digits=2):
 
 
 def write(folder, machine, figures, load):
-    """Leaves everything in a folder, and says so."""
+    """Writes the results to a folder and prints its path."""
     folder.mkdir(exist_ok=True)
     (folder / "results.json").write_text(json.dumps({
         "machine": machine,

@@ -28,10 +28,10 @@ def starting(programs, size):
     """The first initialise until it returns, and what the process holds once it listens."""
     def start(side):
         with programs.started(f"{side}_server") as server:
-            told = server.told()
+            printed = server.printed()
             server.finish()
-        return {**told, "initialise_ms": told["initialise_ns"] / 1e6,
-                "resident_mib": told["resident_kib"] / 1024}
+        return {**printed, "initialise_ms": printed["initialise_ns"] / 1e6,
+                "resident_mib": printed["resident_kib"] / 1024}
 
     runs = in_turn(size.starts, start)
     return [
@@ -44,16 +44,16 @@ def starting(programs, size):
 def finalise_ms(programs, side, idle_s, *options):
     """On all processors, like an application; the client has been idle for so long."""
     with programs.started(f"{side}_server", pinned=False) as server:
-        server.told()
+        server.printed()
         with programs.started("recogniser", "--presses", 10, "--idle", *options,
                               pinned=False) as client:
-            client.told()
+            client.printed()
             time.sleep(idle_s)
             return server.finish()["finalise_ns"] / 1e6
 
 
 def ending(programs, size):
-    """foot_touch_finalize() with a client that takes leave when it is asked to, and with one that
+    """foot_touch_finalize() with a client that disconnects when asked, and with one that
     looks at its connection every few seconds, as gRPC's do that only press."""
     watching = in_turn(size.some, lambda side: finalise_ms(programs, side, 1.2, "--watch"))
     idle = in_turn(size.few, lambda side: finalise_ms(programs, side, 1.2))
@@ -78,7 +78,7 @@ def stripped_size(programs, _size):
 OWNERS = {
     "log calls": r"logLine|LineFormat|dlog_print",
     "library": r":(?:FootTouch_Server|murlink::\w+)::"
-               r"|:std::_Function_handler<void \(int, int, void\*\)",
+               r"|:std::_Function_handler<void \(int, int, void\*\)|:std::_Sp_counted",
     "messages and gRPC's templates": r"\[.*/(?:libmurlink-robot\.so|\w+_server)",
     "gRPC, protobuf, Abseil": r"\[.*/lib(?:grpc|gpr|protobuf|absl|upb|address_sorting)",
     "C and C++ libraries": "",
@@ -96,7 +96,7 @@ def profile(programs, side, presses):
         valgrind = ("valgrind", "--quiet", "--tool=callgrind",
                     f"--callgrind-out-file={counts.name}")
         with programs.started(f"{side}_server", under=valgrind) as server:
-            server.told()
+            server.printed()
             programs.tell("recogniser", "--warm-up", 0, "--presses", presses)
             server.finish()
         text = output("callgrind_annotate", "--threshold=100", "--show-percs=no", counts.name)

@@ -55,8 +55,12 @@ NAMESAKE(Bbox)
 NAMESAKE(Landmarks)
 NAMESAKE(StringMessage)
 NAMESAKE(FrameLandmarkData)
+
+namespace murlink {
 NAMESAKE(Reply)
-NAMESAKE(UnaryCall)
+NAMESAKE(RunningReports)
+NAMESAKE(Verdict)
+}  // namespace murlink
 
 // ---- Own variables, of the same types as the library's or others
 
@@ -70,10 +74,6 @@ int* footTouchClient = &stub;
 int init_flag = 43;
 
 // ---- Own functions, with the signatures of the library's
-
-struct CallSite;
-struct Command;
-enum class Level;
 
 bool check_buttons(const button* /*buttons*/, int /*count*/) {
   ++called;
@@ -89,21 +89,24 @@ bool is_kumbo_lens_supported() {
   return false;
 }
 
+namespace murlink {
+
+struct CallSite;
+struct Verdicts;
+
 int layoutResult(int /*sent*/) {
   return ++called;
 }
 
-void logLine(Level /*level*/, const CallSite& /*site*/, const char* /*body*/, ...) {
-  ++called;
+bool isValidLayout(const button* /*buttons*/, int /*count*/, const CallSite& /*site*/) {
+  return ++called == 0;
 }
 
-int conclude(const Command& /*command*/, const Reply& /*reply*/, const CallSite& /*site*/) {
+int conclude(const Verdicts& /*verdicts*/, const Reply& /*reply*/, const CallSite& /*site*/) {
   return ++called;
 }
 
-void robotStub() {
-  ++called;
-}
+}  // namespace murlink
 
 namespace {
 

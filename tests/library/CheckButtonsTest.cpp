@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Which layouts are accepted, and what is logged about the others. That those are not sent is
-// covered by FootTouchApiTest.
+// LayoutCheck, through check_buttons(): which layouts are valid, and what is logged about the others.
+// That those are not sent is covered by FootTouchApiTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 

@@ -326,4 +326,23 @@ INSTANTIATE_TEST_SUITE_P(Display, SentLayout,
                                            LayoutRow{"IsSilent", "never", -29398954}),
                          rowName<LayoutRow>);
 
+TEST_F(ServerManager, WaitsTwoSecondsForASilentDisplay) {
+  manager.ServerRun();
+  display.command("when setButtons never");
+  std::vector<button> layout{{1, 0, 1}};
+  const auto start = steady_clock::now();
+
+  EXPECT_EQ(manager.SendBtnInfo(layout), -29398954);
+
+  EXPECT_GE(steady_clock::now() - start, milliseconds(1900));
+}
+
+TEST_F(ServerManager, CannotSendALayoutToADisplayThatHasEnded) {
+  manager.ServerRun();
+  display.end();
+  std::vector<button> layout{{1, 0, 1}};
+
+  EXPECT_EQ(manager.SendBtnInfo(layout), -29398954);
+}
+
 }  // namespace

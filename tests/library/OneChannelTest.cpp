@@ -17,9 +17,6 @@
 #include "GestureRecognition.h"
 #include "murlink_robot.h"
 
-// Exported, but its header includes gRPC's, and this program does not link gRPC.
-void initialize_grpc_client();
-
 namespace grpc {
 class Channel;
 class ChannelCredentials;

@@ -43,6 +43,17 @@ TEST(RobotChannel, IsTheSameForAllCallers) {
   EXPECT_EQ(stub.get(), first_stub);
 }
 
+TEST(RobotChannel, OutlivesItsClients) {
+  initialize_grpc_client();
+  const auto* const first_channel = channel.get();
+  const auto* const first_stub = stub.get();
+
+  { const FootTouchGrpcClient client; }
+
+  EXPECT_EQ(channel.get(), first_channel);
+  EXPECT_EQ(stub.get(), first_stub);
+}
+
 TEST(RobotChannel, DoesNotConnectUntilItIsUsed) {
   initialize_grpc_client();
 

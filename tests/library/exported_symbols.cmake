@@ -21,7 +21,7 @@ if(NOT "${symbols}" STREQUAL "${expected}")
   string(REPLACE ";" "\n  " missing "${missing}")
   message(FATAL_ERROR "${LIBRARY} does not export what ${LIST} lists.\n"
     "Exported but not listed:\n  ${added}\nListed but not exported:\n  ${missing}\n"
-    "If the change is wanted, mend the list and src/exports.map together and tell users in "
+    "If the change is wanted, update the list and src/exports.map together and tell users in "
     "CHANGELOG.md; a symbol that goes away needs a new SOVERSION. If not, keep the symbol out of "
     "src/exports.map.")
 endif()
