@@ -99,16 +99,16 @@ Message walk(Peers& peers, WordReader& words) {
   expectLiftedFoot(peers);
   const auto start = steady_clock::now();
   // Steps are timed from the start, so a slow report delays only those that are due meanwhile.
-  const auto sleepUntil = [&](double progress) {
+  const auto sleep_until = [&](double progress) {
     const auto wanted = start + progress * std::chrono::duration<double, std::milli>(duration);
     const auto left = std::chrono::ceil<milliseconds>(wanted - steady_clock::now());
     sleep(peers, std::max(left, milliseconds(0)));
   };
   for (const Step& step : stepsOf(peers.display.layout(), from, to)) {
-    sleepUntil(step.progress);
+    sleep_until(step.progress);
     reports.add(step.edge, step.id);
   }
-  sleepUntil(1);
+  sleep_until(1);
   return reports.answer();
 }
 

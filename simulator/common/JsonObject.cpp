@@ -14,10 +14,10 @@ std::string dump(const nlohmann::json& value) {
 
 // Puts commas between the items.
 template <typename Items, typename TextOf>
-std::string list(const Items& items, TextOf textOf) {
+std::string list(const Items& items, TextOf text_of) {
   std::string text;
   for (const auto& item : items) {
-    text += (text.empty() ? "" : ",") + textOf(item);
+    text += (text.empty() ? "" : ",") + text_of(item);
   }
   return text;
 }
