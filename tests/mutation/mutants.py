@@ -177,10 +177,17 @@ def is_assignment(statement):
     return re.fullmatch(r"\w+ = \w+;", statement.text)
 
 
+def is_filling(statement):
+    return re.match(r"builder\.(Add|Set)\w+\(|\w+->set_\w+\(", statement.text)
+
+
 def is_observable(one, other):
-    """Whether the order of two statements may be. Nothing that logs a line reads what the library
-    assigns next to it."""
-    return not (is_log(one) and is_assignment(other) or is_log(other) and is_assignment(one))
+    """Whether it can matter which of two statements is first. Nothing that logs a line reads what
+    the library assigns next to it; messages and builders can be filled in any order; and only two
+    threads that race would notice what is outside of a lock."""
+    return not (is_log(one) and is_assignment(other) or is_log(other) and is_assignment(one) or
+                is_filling(one) and is_filling(other) or
+                any("std::lock_guard" in statement.text for statement in (one, other)))
 
 
 def removed(file, source, statements):

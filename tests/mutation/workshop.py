@@ -29,7 +29,8 @@ NEAREST = {
 }
 # Of the test programs, only these use the library; endurance tests only as far as they are short.
 PROGRAMS = ["InsideTests", "LibraryTests", "OneChannelTests", "ApplicationTests"]
-ENDURANCE = ["HostileClientsEndurance", "CallbacksEndurance", "PortEndurance"]
+ENDURANCE = ["AllocationEndurance", "DescriptorsEndurance", "PortEndurance", "CallbacksEndurance",
+             "HostileClientsEndurance"]
 SLOW = 0.7  # seconds; tests that take longer run last
 TOO_SLOW = 5.5  # seconds; endurance tests that take longer are left out
 
