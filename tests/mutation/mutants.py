@@ -174,7 +174,7 @@ def is_log(statement):
 
 
 def is_assignment(statement):
-    return re.fullmatch(r"\w+ = \w+;", statement.text)
+    return re.fullmatch(r"\w+( = \w+|\.clear\(\));", statement.text)
 
 
 def is_filling(statement):
