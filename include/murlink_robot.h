@@ -255,7 +255,7 @@ typedef struct button {
  * Receives a press or a release of a button.
  *
  * The recogniser and foot_touch_finalize() wait until the callback returns; if it never returns,
- * they wait for ever. Other presses are delivered meanwhile, on other threads. An exception thrown
+ * they wait forever. Other presses are delivered meanwhile, on other threads. An exception thrown
  * by the callback, of whatever type, does not reach the application: the recogniser receives the
  * gRPC status UNKNOWN, and the next press is delivered as usual.
  *

@@ -31,7 +31,7 @@ class RunningReports {
 
   // Shuts the server down. Waits without limit for reports in flight and then, for a grace period,
   // for their answers to be sent. Clients that keep their connections open without a report in
-  // flight are cancelled: gRPC would wait for some of them for ever.
+  // flight are cancelled: gRPC would wait for some of them forever.
   void shutDown(grpc::Server& server);
 
  private:

@@ -43,7 +43,7 @@ def main(build, quick):
     figures = []
     print(report.heading(), flush=True)
     with programs.started("bare_peers", limit_s=3600) as peers:
-        peers.printed()
+        peers.next_line()
         for question in QUESTIONS:
             for figure in question(programs, size):
                 figures.append(figure)

@@ -9,7 +9,7 @@ from processes import output
 
 def commands(programs, size):
     """start_foot_touch() beside the stub's program_run."""
-    runs = in_turn(size.rounds, lambda side: programs.tell(
+    runs = in_turn(size.rounds, lambda side: programs.run(
         f"{side}_caller", size.presses)["p50_ns"] / 1e3)
     return [ratio("start_foot_touch p50", "≤ 1.03", runs["library"], runs["bare"], "µs")]
 
@@ -18,7 +18,7 @@ def layouts(programs, size):
     """Sending a layout, without the check and the copy."""
     figures, sent = [], {}
     for count, calls in size.layouts.items():
-        runs = in_turn(size.some, lambda side, c=count, n=calls: programs.tell(
+        runs = in_turn(size.some, lambda side, c=count, n=calls: programs.run(
             f"{side}_caller", n, c)["p50_ns"] / 1e3)
         figures.append(ratio(f"layout of {count:,} buttons sent", "≤ 1.10", runs["library"],
                              runs["bare"], "µs"))

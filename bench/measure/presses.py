@@ -17,10 +17,10 @@ def in_turn(rounds, measure, sides=SIDES):
 
 
 def press(programs, side, *options, sleep_ms=0, formats_log=False):
-    """Fresh server, fresh recogniser: what both tell, times in microseconds."""
+    """Fresh server, fresh recogniser: what both print, times in microseconds."""
     with programs.started(f"{side}_server", sleep_ms, formats_log=formats_log) as server:
-        server.printed()
-        client = programs.tell("recogniser", *options)
+        server.next_line()
+        client = programs.run("recogniser", *options)
         transit = server.finish()
     return {"p50": client["p50_ns"] / 1e3, "p99": client["p99_ns"] / 1e3,
             "rate": client["presses_per_s"], "callback": transit["p50_ns"] / 1e3}
@@ -41,7 +41,7 @@ def latency(programs, size):
         "bare": lambda: one("bare"),
         "formatted": lambda: one("library", formats_log=True),
         "once more": lambda: one("bare"),
-        "tcp": lambda: {"p50": programs.tell("tcp", size.presses)["p50_ns"] / 1e3},
+        "tcp": lambda: {"p50": programs.run("tcp", size.presses)["p50_ns"] / 1e3},
     }
     runs = in_turn(size.rounds, lambda name: measures[name](), tuple(measures))
     p50 = {name: [run["p50"] for run in runs[name]] for name in measures}

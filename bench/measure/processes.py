@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-"""Starts the programs of the benchmarks and reads what they tell: one JSON object a line."""
+"""Starts the programs of the benchmarks and reads their output: one JSON object per line."""
 import contextlib
 import json
 import os
@@ -9,36 +9,36 @@ import threading
 
 
 class Failure(Exception):
-    """A program ended badly, or printed nothing that can be used."""
+    """A program failed, or its output could not be parsed."""
 
 
 def output(*command):
-    """What a program of the machine prints."""
+    """The output of a program of the system."""
     return subprocess.run([str(word) for word in command], check=True, stdout=subprocess.PIPE,
                           text=True, timeout=120).stdout
 
 
 class Programs:
-    """The programs of one build folder, run on one processor unless said otherwise."""
+    """The programs of one build folder, run on one processor by default."""
 
     def __init__(self, build):
         self.build = pathlib.Path(build).resolve()
         self.library = self.build / "src" / "libmurlink-robot.so"
-        # The first ones serve most interrupts.
+        # The last one: the first processors serve most interrupts.
         self.on_one_core = ("taskset", "--cpu-list", str(max(os.sched_getaffinity(0))))
 
     def path(self, name):
         """Where a program is."""
         return self.build / "bench" / name
 
-    def tell(self, name, *arguments, **how):
-        """Runs a program to its end, and returns what it printed last."""
+    def run(self, name, *arguments, **how):
+        """Runs a program to its end, and returns its last line of output."""
         with self.started(name, *arguments, **how) as process:
             return process.finish()
 
     @contextlib.contextmanager
     def started(self, name, *arguments, pinned=True, formats_log=False, under=(), limit_s=120):
-        """A running program, `under` a command if need be."""
+        """A running program, started through the command `under` if that is given."""
         environment = {key: text for key, text in os.environ.items() if key != "BENCH_LOG"}
         if formats_log:
             environment["BENCH_LOG"] = "format"
@@ -51,7 +51,7 @@ class Programs:
 
 
 class Process:
-    """A running program, whose input is open until it is to finish; killed after `limit_s`."""
+    """A running program. Its input is open until finish(); it is killed after `limit_s`."""
 
     def __init__(self, command, environment, limit_s):
         self._command = " ".join(command)
@@ -60,16 +60,16 @@ class Process:
         self._limit = threading.Timer(limit_s, self._process.kill)
         self._limit.start()
 
-    def printed(self):
-        """The next line that it tells."""
-        return self._understood(self._process.stdout.readline())
+    def next_line(self):
+        """The next line of its output."""
+        return self._parsed(self._process.stdout.readline())
 
     def finish(self):
-        """Ends its input, waits for its end, and returns what it printed last."""
+        """Closes its input, waits for its end, and returns its last line of output."""
         out, _ = self._process.communicate()
         if self._process.returncode != 0:
             raise self._failure()
-        return self._understood((out.strip().splitlines() or [""])[-1])
+        return self._parsed((out.strip().splitlines() or [""])[-1])
 
     def kill(self):
         """Kills it."""
@@ -79,7 +79,7 @@ class Process:
         self._process.stdin.close()
         self._process.stdout.close()
 
-    def _understood(self, line):
+    def _parsed(self, line):
         try:
             return json.loads(line)
         except json.JSONDecodeError:

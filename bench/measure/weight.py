@@ -17,7 +17,7 @@ def loading(programs, size):
     grpc, protobuf = (re.search(rf"=> (\S*/{name}\.so\S*)", needed)[1]
                       for name in (r"libgrpc\+\+", "libprotobuf"))
     paths = {"library": [programs.library], "grpc": [grpc], "both": [grpc, protobuf]}
-    runs = in_turn(size.starts, lambda name: programs.tell(
+    runs = in_turn(size.starts, lambda name: programs.run(
         "load_time", *paths[name])["load_ns"] / 1e6, tuple(paths))
     return [ratio("dlopen beside libgrpc++", "≤ 1.19", runs["library"], runs["grpc"], "ms"),
             ratio("dlopen beside libgrpc++ and libprotobuf", "", runs["library"], runs["both"],
@@ -28,7 +28,7 @@ def starting(programs, size):
     """The first initialise until it returns, and what the process holds once it listens."""
     def start(side):
         with programs.started(f"{side}_server") as server:
-            printed = server.printed()
+            printed = server.next_line()
             server.finish()
         return {**printed, "initialise_ms": printed["initialise_ns"] / 1e6,
                 "resident_mib": printed["resident_kib"] / 1024}
@@ -44,10 +44,10 @@ def starting(programs, size):
 def finalise_ms(programs, side, idle_s, *options):
     """On all processors, like an application; the client has been idle for so long."""
     with programs.started(f"{side}_server", pinned=False) as server:
-        server.printed()
+        server.next_line()
         with programs.started("recogniser", "--presses", 10, "--idle", *options,
                               pinned=False) as client:
-            client.printed()
+            client.next_line()
             time.sleep(idle_s)
             return server.finish()["finalise_ns"] / 1e6
 
@@ -74,7 +74,7 @@ def stripped_size(programs, _size):
     return [plain("size of the library, stripped", "≤ 200", [kilobytes], "kB")]
 
 
-# Whose code it is: the first pattern found in "file:function [object]" says.
+# Whose code it is: the owner of the first pattern that matches "file:function [object]".
 OWNERS = {
     "log calls": r"logLine|LineFormat|dlog_print",
     "library": r":(?:FootTouch_Server|murlink::\w+)::"
@@ -96,8 +96,8 @@ def profile(programs, side, presses):
         valgrind = ("valgrind", "--quiet", "--tool=callgrind",
                     f"--callgrind-out-file={counts.name}")
         with programs.started(f"{side}_server", under=valgrind) as server:
-            server.printed()
-            programs.tell("recogniser", "--warm-up", 0, "--presses", presses)
+            server.next_line()
+            programs.run("recogniser", "--warm-up", 0, "--presses", presses)
             server.finish()
         text = output("callgrind_annotate", "--threshold=100", "--show-percs=no", counts.name)
     shares = collections.Counter()
