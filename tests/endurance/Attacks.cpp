@@ -40,14 +40,14 @@ void sendOnMany(int connections, const std::string& bytes) {
   }
 }
 
-// Sends what `bytesFor` returns for streams 1, 3, 5 and so on, `streams` on each connection.
+// Sends what `bytes_for` returns for streams 1, 3, 5 and so on, `streams` on each connection.
 template <typename BytesFor>
-void onManyStreams(int times, int streams, BytesFor bytesFor) {
+void onManyStreams(int times, int streams, BytesFor bytes_for) {
   for (int done = 0; done < times; done += streams) {
     RawConnection connection = connected();
     connection.send(http2::greeting());
     for (int i = 0; i < streams; ++i) {
-      connection.send(bytesFor(static_cast<std::uint32_t>(2 * i + 1)));
+      connection.send(bytes_for(static_cast<std::uint32_t>(2 * i + 1)));
     }
     EXPECT_TRUE(connection.end());
   }

@@ -66,8 +66,8 @@ class ProxiedPeers : public Peers {
 // Simulated peers behind a network that breaks.
 class DisconnectedPeers : public Peers {
  public:
-  explicit DisconnectedPeers(std::function<void()> breakNetwork)
-      : break_(std::move(breakNetwork)) {}
+  explicit DisconnectedPeers(std::function<void()> break_network)
+      : break_(std::move(break_network)) {}
 
   void misbehave(const OutgoingCall& call) override {
     if (call.function == foot_touch_initialize && call.side == Side::Robot) {
