@@ -11,10 +11,12 @@ import presses
 import report
 import weight
 from processes import Failure, Programs, output
+from progress import PROGRESS
 
 QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts, calls.checks,
              weight.loading, weight.starting, weight.ending, weight.stripped_size,
              weight.instructions)
+STEPS = len(QUESTIONS) + 1
 
 # How often things are done. Rounds have one of each side.
 THOROUGH = SimpleNamespace(
@@ -44,11 +46,16 @@ def main(build, quick):
     print(report.heading(), flush=True)
     with programs.started("bare_peers", limit_s=3600) as peers:
         peers.next_line()
-        for question in QUESTIONS:
-            for figure in question(programs, size):
+        for number, question in enumerate(QUESTIONS, 1):
+            PROGRESS.step(number, STEPS, question.__name__)
+            found = question(programs, size)
+            PROGRESS.clear()
+            for figure in found:
                 figures.append(figure)
                 print(report.row(figure, judged=not quick), flush=True)
+        PROGRESS.step(STEPS, STEPS, presses.under_load.__name__)
         load = presses.under_load(programs, size)
+        PROGRESS.clear()
     report.write(programs.build / ("quick" if quick else "results"), machine(), figures, load)
 
 

@@ -3,6 +3,7 @@
 import statistics
 
 from figures import plain, quantile, ratio
+from progress import PROGRESS
 
 SIDES = ("library", "bare")
 
@@ -11,6 +12,7 @@ def in_turn(rounds, measure, sides=SIDES):
     """Calls measure(side) for all sides in each round, the first one in turn; lists by side."""
     values = {side: [] for side in sides}
     for number in range(rounds):
+        PROGRESS.round(number + 1, rounds)
         for side in sides if number % 2 else reversed(sides):
             values[side].append(measure(side))
     return values
