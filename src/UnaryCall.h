@@ -15,6 +15,7 @@ namespace murlink {
 
 // What all calls of one rpc have in common: a row of constants.
 template <typename Stub, typename Request>
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): only made as a whole
 struct CallRow {
   grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&, StatusResponse*);
   std::chrono::seconds deadline;
@@ -50,7 +51,7 @@ class UnaryCall {
   const CallRow<Stub, Request>& row_;
   const Request request_;
   grpc::ClientContext context_;
-  Reply reply_{grpc::Status(grpc::StatusCode::FAILED_PRECONDITION, ""), 0};
+  Reply reply_{grpc::Status(grpc::StatusCode::FAILED_PRECONDITION, "")};
 };
 
 }  // namespace murlink

@@ -13,7 +13,7 @@ namespace murlink {
 // The outcome of a call. `s` is the peer's answer and counts only when the status is OK.
 struct Reply {
   grpc::Status status;
-  int s;
+  int s = 0;
 };
 
 // One way in which a call can end. `text` is a printf format for `s`; most texts do not show it.
