@@ -36,7 +36,8 @@ class UnaryCall {
   // Blocks until the peer answers, the call fails, or the deadline has passed.
   void send(Stub& stub) {
     StatusResponse response;
-    reply_.status = (stub.*row_.rpc)(&context_, request_, &response);
+    // The compiler generates a virtual and a direct call, of which one is never taken.
+    reply_.status = (stub.*row_.rpc)(&context_, request_, &response);  // GCOVR_EXCL_BR_LINE
     if (reply_.status.ok()) {
       reply_.s = response.s();
     }

@@ -4,15 +4,14 @@
 #include <gmock/gmock.h>
 #include <google/protobuf/descriptor.h>
 #include <grpcpp/create_channel.h>
-#include <grpcpp/generic/async_generic_service.h>
 #include <grpcpp/generic/generic_stub.h>
-#include <grpcpp/server_builder.h>
 #include <gtest/gtest.h>
 
 #include <future>
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "Quarlo_TV_Server.grpc.pb.h"
+#include "support/RawPeer.h"
 #include "support/SimulatorProcess.h"
 #include "support/VirtualSlot.h"
 
@@ -153,8 +152,7 @@ std::string rawCall(const std::string& path, const std::string& bytes) {
       grpc::CreateChannel(MURLINK_ROBOT_HOST ":26710", grpc::InsecureChannelCredentials()));
   grpc::ClientContext context;
   context.set_deadline(std::chrono::system_clock::now() + std::chrono::seconds(5));
-  const grpc::Slice slice(bytes);
-  const grpc::ByteBuffer request(&slice, 1);
+  const grpc::ByteBuffer request = bufferOf(bytes);
   grpc::ByteBuffer response;
   std::promise<grpc::Status> done;
   stub.UnaryCall(&context, path, {}, &request, &response,
@@ -163,13 +161,7 @@ std::string rawCall(const std::string& path, const std::string& bytes) {
   if (!status.ok()) {
     throw std::runtime_error(path + ": " + status.error_message());
   }
-  std::vector<grpc::Slice> slices;
-  response.Dump(&slices);
-  std::string answer;
-  for (const grpc::Slice& piece : slices) {
-    answer.append(reinterpret_cast<const char*>(piece.begin()), piece.size());
-  }
-  return answer;
+  return bytesOf(response);
 }
 
 TEST(RobotService, AnswersSuccessWithAnEmptyBody) {
@@ -181,54 +173,43 @@ TEST(RobotService, AnswersSuccessWithAnEmptyBody) {
 
 // ---- Method paths
 
-// Implements no method, and keeps the path of each call.
-class PathRecorder : public grpc::CallbackGenericService {
- public:
-  grpc::ServerGenericBidiReactor* CreateReactor(
-      grpc::GenericCallbackServerContext* context) override {
-    path_ = context->method();
-    return CallbackGenericService::CreateReactor(context);
-  }
+const std::string kAddress = MURLINK_ROBOT_HOST ":26710";
 
+class MethodPaths : public ::testing::Test {
+ protected:
   // The path of a call of `rpc`.
   template <typename Stub, typename Request>
   std::string pathOf(grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&,
                                                StatusResponse*)) {
     grpc::ClientContext context;
     StatusResponse response;
-    Stub stub(server_->InProcessChannel({}));
-    EXPECT_EQ((stub.*rpc)(&context, Request(), &response).error_code(),
-              grpc::StatusCode::UNIMPLEMENTED);
-    return path_;
+    Stub stub(grpc::CreateChannel(kAddress, grpc::InsecureChannelCredentials()));
+    EXPECT_TRUE((stub.*rpc)(&context, Request(), &response).ok());
+    return peer_.takeCalls().at(0).path;
   }
 
  private:
-  std::string path_;
-  std::unique_ptr<grpc::Server> server_ =
-      grpc::ServerBuilder().RegisterCallbackGenericService(this).BuildAndStart();
+  RawPeer peer_{kAddress};
 };
 
-TEST(MethodPaths, OfTheRobotServiceAreFixed) {
+TEST_F(MethodPaths, OfTheRobotServiceAreFixed) {
   using Stub = Quarlo_RB_GRPC::Stub;
-  PathRecorder recorder;
 
-  EXPECT_EQ(recorder.pathOf(&Stub::service_On), "/zet.protobuf.app.Quarlo_RB_GRPC/service_On");
-  EXPECT_EQ(recorder.pathOf(&Stub::service_Off), "/zet.protobuf.app.Quarlo_RB_GRPC/service_Off");
-  EXPECT_EQ(recorder.pathOf(&Stub::program_run), "/zet.protobuf.app.Quarlo_RB_GRPC/program_run");
-  EXPECT_EQ(recorder.pathOf(&Stub::program_stop), "/zet.protobuf.app.Quarlo_RB_GRPC/program_stop");
+  EXPECT_EQ(pathOf(&Stub::service_On), "/zet.protobuf.app.Quarlo_RB_GRPC/service_On");
+  EXPECT_EQ(pathOf(&Stub::service_Off), "/zet.protobuf.app.Quarlo_RB_GRPC/service_Off");
+  EXPECT_EQ(pathOf(&Stub::program_run), "/zet.protobuf.app.Quarlo_RB_GRPC/program_run");
+  EXPECT_EQ(pathOf(&Stub::program_stop), "/zet.protobuf.app.Quarlo_RB_GRPC/program_stop");
 }
 
-TEST(MethodPaths, OfTheDisplayServiceAreFixed) {
+TEST_F(MethodPaths, OfTheDisplayServiceAreFixed) {
   using Stub = Quarlo_TV_GRPC::Stub;
-  PathRecorder recorder;
 
-  EXPECT_EQ(recorder.pathOf(&Stub::sendFrameData),
-            "/zet.protobuf.app.Quarlo_TV_GRPC/sendFrameData");
-  EXPECT_EQ(recorder.pathOf(&Stub::sendFootTouchPoint),
+  EXPECT_EQ(pathOf(&Stub::sendFrameData), "/zet.protobuf.app.Quarlo_TV_GRPC/sendFrameData");
+  EXPECT_EQ(pathOf(&Stub::sendFootTouchPoint),
             "/zet.protobuf.app.Quarlo_TV_GRPC/sendFootTouchPoint");
-  EXPECT_EQ(recorder.pathOf(&Stub::setFootTouchAPIServerAddress),
+  EXPECT_EQ(pathOf(&Stub::setFootTouchAPIServerAddress),
             "/zet.protobuf.app.Quarlo_TV_GRPC/setFootTouchAPIServerAddress");
-  EXPECT_EQ(recorder.pathOf(&Stub::setButtons), "/zet.protobuf.app.Quarlo_TV_GRPC/setButtons");
+  EXPECT_EQ(pathOf(&Stub::setButtons), "/zet.protobuf.app.Quarlo_TV_GRPC/setButtons");
 }
 
 }  // namespace

@@ -24,8 +24,10 @@ class RawPeer : private grpc::CallbackGenericService {
     std::string bytes;
   };
   struct Call {
-    std::string rpc;    // the last part of its path
+    std::string path;   // "/package.Service/rpc"
     std::string bytes;  // of the request
+
+    std::string rpc() const { return path.substr(path.rfind('/') + 1); }
   };
 
   // Throws std::runtime_error when it cannot listen on `address`.
