@@ -5,9 +5,13 @@
 #include <google/protobuf/descriptor.h>
 #include <grpcpp/create_channel.h>
 #include <grpcpp/generic/generic_stub.h>
+#include <grpcpp/server_builder.h>
 #include <gtest/gtest.h>
 
 #include <future>
+#include <memory>
+#include <mutex>
+#include <vector>
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "Quarlo_TV_Server.grpc.pb.h"
@@ -173,23 +177,49 @@ TEST(RobotService, AnswersSuccessWithAnEmptyBody) {
 
 // ---- Method paths
 
-const std::string kAddress = MURLINK_ROBOT_HOST ":26710";
-
+// A server of both services, which implements no method and keeps the path of each call.
 class MethodPaths : public ::testing::Test {
  protected:
+  MethodPaths() {
+    std::vector<std::unique_ptr<grpc::experimental::ServerInterceptorFactoryInterface>> recorders;
+    recorders.push_back(std::make_unique<Recorder>(*this));
+    grpc::ServerBuilder builder;
+    builder.RegisterService(&robot_);
+    builder.RegisterService(&display_);
+    builder.experimental().SetInterceptorCreators(std::move(recorders));
+    server_ = builder.BuildAndStart();
+  }
+
   // The path of a call of `rpc`.
   template <typename Stub, typename Request>
   std::string pathOf(grpc::Status (Stub::*rpc)(grpc::ClientContext*, const Request&,
                                                StatusResponse*)) {
     grpc::ClientContext context;
     StatusResponse response;
-    Stub stub(grpc::CreateChannel(kAddress, grpc::InsecureChannelCredentials()));
-    EXPECT_TRUE((stub.*rpc)(&context, Request(), &response).ok());
-    return peer_.takeCalls().at(0).path;
+    Stub stub(server_->InProcessChannel({}));
+    EXPECT_EQ((stub.*rpc)(&context, Request(), &response).error_code(),
+              grpc::StatusCode::UNIMPLEMENTED);
+    const std::lock_guard<std::mutex> lock(mutex_);
+    return path_;
   }
 
  private:
-  RawPeer peer_{kAddress};
+  struct Recorder : public grpc::experimental::ServerInterceptorFactoryInterface {
+    explicit Recorder(MethodPaths& owner) : test(owner) {}
+    grpc::experimental::Interceptor* CreateServerInterceptor(
+        grpc::experimental::ServerRpcInfo* call) override {
+      const std::lock_guard<std::mutex> lock(test.mutex_);
+      test.path_ = call->method();
+      return nullptr;
+    }
+    MethodPaths& test;
+  };
+
+  std::mutex mutex_;
+  std::string path_;
+  Quarlo_RB_GRPC::Service robot_;
+  Quarlo_TV_GRPC::Service display_;
+  std::unique_ptr<grpc::Server> server_;
 };
 
 TEST_F(MethodPaths, OfTheRobotServiceAreFixed) {
