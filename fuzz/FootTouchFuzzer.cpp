@@ -27,7 +27,7 @@ namespace {
 std::string takeCalls(RawPeer& peer) {
   std::string calls;
   for (const RawPeer::Call& call : peer.takeCalls()) {
-    calls += call.rpc() + ":" + call.bytes + "\n";
+    calls += call.rpc + ":" + call.bytes + "\n";
   }
   return calls;
 }

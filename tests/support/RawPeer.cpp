@@ -28,7 +28,8 @@ grpc::ByteBuffer bufferOf(const std::string& bytes) {
 // see that order inside gRPC, so each step locks the mutex before it reads a member.
 class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
  public:
-  UnaryCall(RawPeer& peer, std::string path) : peer_(peer), path_(std::move(path)) {
+  UnaryCall(RawPeer& peer, const std::string& path)
+      : peer_(peer), rpc_(path.substr(path.rfind('/') + 1)) {
     StartRead(&request_);
   }
 
@@ -48,13 +49,13 @@ class RawPeer::UnaryCall : public grpc::ServerGenericBidiReactor {
 
  private:
   RawPeer& peer_;
-  const std::string path_;
+  const std::string rpc_;
   grpc::ByteBuffer request_;
   grpc::ByteBuffer reply_;
 
   grpc::Status take() {
     const std::lock_guard<std::mutex> lock(mutex_);
-    peer_.calls_.push_back({path_, bytesOf(request_)});
+    peer_.calls_.push_back({rpc_, bytesOf(request_)});
     reply_ = bufferOf(peer_.answer_.bytes);
     return {peer_.answer_.status, ""};
   }

@@ -24,10 +24,8 @@ class RawPeer : private grpc::CallbackGenericService {
     std::string bytes;
   };
   struct Call {
-    std::string path;   // "/package.Service/rpc"
+    std::string rpc;    // the last part of its path
     std::string bytes;  // of the request
-
-    std::string rpc() const { return path.substr(path.rfind('/') + 1); }
   };
 
   // Throws std::runtime_error when it cannot listen on `address`.
