@@ -180,6 +180,27 @@ TEST_F(GestureController, CallsTheVirtualInitGrpcClientInAllOperationsButFinaliz
   EXPECT_EQ(controller.asked, 3);
 }
 
+// Notes what has been logged when its channel is created.
+class ChannelWitness : public GestureRecognition {
+ public:
+  int InitGrpcClient() override {
+    lines_before = log.lines();
+    return GestureRecognition::InitGrpcClient();
+  }
+  const LogCapture log;
+  std::vector<LogLine> lines_before;
+};
+
+TEST_F(GestureController, CreatesTheChannelBeforeItsFirstLine) {
+  SimulatorProcess robot;
+  ChannelWitness controller;
+
+  EXPECT_EQ(controller.Initialize(), 0);
+
+  EXPECT_THAT(controller.lines_before, IsEmpty());
+  EXPECT_THAT(controller.log.lines(), ::testing::Not(IsEmpty()));
+}
+
 TEST_F(GestureController, CreatesTheChannelInFinalizeToo) {
   SimulatorProcess robot;
 

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 // The callback server's instance, address, start and end. Presses are covered by ButtonEventTest,
 // calls to the display by DisplaySyncTest, port and limits by ServerSetupTest, and calls in flight
-// at its end by RunningReportsTest.
+// at its end by RunningCallbacksTest.
 #include <gmock/gmock.h>
 #include <grpc/grpc.h>
 #include <grpc/support/alloc.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <algorithm>
 #include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -225,6 +229,28 @@ TEST_F(CallbackServer, KeepsServingWhenItIsRunASecondTime) {
   server->terminate_server();
   EXPECT_THAT(linesOf(log, "terminate_server"),
               Contains(error("terminate_server", "server shutdown")));
+}
+
+// A thread begins with the name of the one that started it. gRPC then names its own threads.
+long threadsNamed(const std::string& name) {
+  const std::filesystem::directory_iterator all("/proc/self/task");
+  return std::count_if(begin(all), end(all), [&name](const auto& thread) {
+    std::string line;
+    std::ifstream file(thread.path() / "comm");
+    return std::getline(file, line) && line == name;
+  });
+}
+
+TEST_F(CallbackServer, KeepsItsThreadUntilItIsTerminated) {
+  pthread_setname_np(pthread_self(), "server-and-test");
+  run();
+  StatusResponse response;
+
+  EXPECT_TRUE(send(&Stub::service_On, 1, response).ok());  // by now its thread has done the rest
+
+  EXPECT_TRUE(within10s([] { return threadsNamed("server-and-test") == 2; }));
+  server->terminate_server();
+  EXPECT_TRUE(within10s([] { return threadsNamed("server-and-test") == 1; }));
 }
 
 TEST_F(CallbackServer, NeedsANewAddressAfterItsEnd) {
