@@ -314,13 +314,13 @@ int foot_touch_initialize(void);
 /**
  * Switches foot touch off: stops listening for presses, then switches the robot's service off.
  *
- * Blocks until every running callback has returned, without limit; then until all clients have
- * disconnected, about 1 s at most; then until the robot answers, 2 s at most. Presses that arrive
- * meanwhile are refused. Clients that keep their connection open, for example an idle or hanging
- * recogniser, are disconnected after a grace period: 1 s after the end of the last press, so that
- * its answer can reach the recogniser, or 5 ms when the last press ended more than 1 s ago. The
- * callback is not called after this function has returned, unless it returned because foot touch
- * was not initialised in this process.
+ * Blocks until every running callback has returned, without limit; then until the answers to all
+ * presses are sent and all clients are disconnected, usually a few milliseconds and about 1 s at
+ * most; then until the robot answers, 2 s at most. Presses that arrive meanwhile are refused.
+ * Clients that keep their connection open, for example an idle recogniser, are disconnected some 5
+ * ms after the last answer was sent; one that has begun a call and does not complete it, or whose
+ * flow control does not admit its answer, after 1 s. The callback is not called after this function
+ * has returned, unless it returned because foot touch was not initialised in this process.
  *
  * After a failure presses are no longer delivered, but foot touch still counts as initialised in
  * this process, and foot_touch_initialize() does nothing: call this function again after a pause.
@@ -356,8 +356,11 @@ int foot_touch_finalize(void);
  *                                              sent
  *         #FOOT_TOUCH_ERROR_SERVER_NOT_READY   call foot_touch_initialize() first; nothing was sent
  *         #FOOT_TOUCH_ERROR_CONNECTION_FAILED  no connection, or no answer within 2 s; the display
- *                                              may or may not have the layout. Also, with nothing
- *                                              sent, when the callback was set too early
+ *                                              may or may not have the layout. Also when the layout
+ *                                              is larger than the display accepts: 4 MiB unless it
+ *                                              sets another limit, which at up to 18 bytes a button
+ *                                              is enough for 233,000. Also, with nothing sent, when
+ *                                              the callback was set too early
  *         #FOOT_TOUCH_ERROR_TIMED_OUT          reserved: a missing answer is reported as a failed
  *                                              connection
  *         #FOOT_TOUCH_ERROR_UNKNOWN            the display answered with a failure; see the log

@@ -137,7 +137,7 @@ void FootTouch_Server::terminate_server() {
   }
   if (server != nullptr) {
     LOG_INFO("shutting down");
-    reports.shutDown(*server);
+    callbacks.shutDown(*server, server_address);
     // The thread may still be entering or leaving Wait().
     server_left.wait();
     server.reset();
@@ -183,7 +183,7 @@ grpc::Status FootTouch_Server::service_Off(grpc::ServerContext* /*context*/,
 grpc::Status FootTouch_Server::report(const Event& event, const IntMessage& request,
                                       StatusResponse& response) {
   constexpr int kCallbackNotSet = 4;
-  const murlink::RunningReports::InFlight in_flight(reports);
+  const murlink::RunningCallbacks::Running running(callbacks);
   const Callback callback = currentCallback();
   if (!callback.function) {
     LOG_AT(murlink::Level::Error, event.site, "callback not set");

@@ -18,7 +18,7 @@
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "Quarlo_TV_Server.grpc.pb.h"
-#include "RunningReports.h"
+#include "RunningCallbacks.h"
 #include "murlink_robot.h"
 
 // The display side, as host:port.
@@ -89,7 +89,7 @@ class FootTouch_Server : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
   std::future<void> server_settled;  // `server` is set, or stays null
   std::future<void> server_left;     // the server thread no longer uses `server`
 
-  murlink::RunningReports reports;
+  murlink::RunningCallbacks callbacks;
 
   [[gnu::visibility("hidden")]] void serve(std::promise<void> settled, std::promise<void> left);
   [[gnu::visibility("hidden")]] Callback currentCallback();

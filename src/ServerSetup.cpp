@@ -40,6 +40,8 @@ void setLimits(grpc::ServerBuilder& builder) {
   builder.AddChannelArgument(GRPC_ARG_SERVER_HANDSHAKE_TIMEOUT_MS, kHandshakeTimeoutMs);
   builder.AddChannelArgument(GRPC_ARG_MAX_CONCURRENT_STREAMS, kMaxConcurrentCalls);
   builder.SetMaxReceiveMessageSize(kMaxMessageBytes);
+  // gRPC's default, stated because OpenCalls needs its statistics.
+  builder.AddChannelArgument(GRPC_ARG_ENABLE_CHANNELZ, 1);
 }
 
 std::unique_ptr<grpc::Server> build(grpc::ServerBuilder& builder) {

@@ -58,7 +58,7 @@ NAMESAKE(FrameLandmarkData)
 
 namespace murlink {
 NAMESAKE(Reply)
-NAMESAKE(RunningReports)
+NAMESAKE(RunningCallbacks)
 NAMESAKE(Verdict)
 }  // namespace murlink
 

@@ -22,7 +22,7 @@ NEAREST = {
     "Log": ["LogTest", "CheckButtonsTest"],
     "RobotCall": ["RobotCallTest", "RobotCommandsTest"],
     "RobotChannel": ["RobotChannelTest", "OneChannelTest"],
-    "RunningReports": ["RunningReportsTest", "GrpcServerTest"],
+    "RunningCallbacks": ["RunningCallbacksTest", "GrpcServerTest"],
     "ServerSetup": ["ServerSetupTest"],
     "UnaryCall": ["UnaryCallTest", "DisplaySyncTest"],
     "Verdict": ["VerdictTest", "UnaryCallTest"],

@@ -81,6 +81,11 @@ std::string greeting() {
   return kPreface + bytes(Frame{kSettings, kNone, 0, ""});
 }
 
+std::string greetingWithoutWindow() {
+  const std::string initial_window_size("\x00\x04", 2);
+  return kPreface + bytes(Frame{kSettings, kNone, 0, initial_window_size + bytes(0)});
+}
+
 std::vector<Frame> call(const std::string& method, std::uint32_t stream,
                         const std::string& content) {
   return {{kHeaders, kEndHeaders, stream, block(callHeaders(method))},

@@ -52,6 +52,8 @@ std::string intMessage(int x);
 
 // How a client's connection begins: the preface and an empty SETTINGS frame.
 std::string greeting();
+// The same, of a client to which no message may be sent: its flow-control window is 0.
+std::string greetingWithoutWindow();
 // A complete call on one stream.
 std::vector<Frame> call(const std::string& method, std::uint32_t stream,
                         const std::string& content);

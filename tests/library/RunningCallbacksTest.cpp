@@ -94,26 +94,45 @@ TEST_F(ServerShutdown, WaitsForARunningCallbackWhoseRecogniserIsDead) {
 }
 
 // The median of five, because a loaded machine can delay one of them.
-TEST_F(ServerShutdown, DoesNotWaitForASilentConnection) {
+template <typename Shutdown>
+milliseconds medianOfFive(Shutdown shutdown) {
   std::vector<milliseconds> durations(5);
-  for (milliseconds& one : durations) {
-    run();
-    RawConnection silent(MURLINK_DISPLAY_HOST, 26711);
-    ASSERT_TRUE(silent.receive());
-
-    one = duration();
-  }
-
+  std::generate(durations.begin(), durations.end(), shutdown);
   std::sort(durations.begin(), durations.end());
-  EXPECT_LT(durations[2], milliseconds(500));
+  return durations[2];
 }
 
-TEST_F(ServerShutdown, GivesAClientOneSecondToReadItsAnswer) {
+TEST_F(ServerShutdown, DoesNotWaitForASilentConnection) {
+  EXPECT_LT(medianOfFive([this] {
+              run();
+              RawConnection silent(MURLINK_DISPLAY_HOST, 26711);
+              EXPECT_TRUE(silent.receive());
+              return duration();
+            }),
+            milliseconds(100));
+}
+
+// Like most recognisers: a client that blocks in its calls, and between them reads nothing.
+TEST_F(ServerShutdown, DoesNotWaitForAClientWhosePressIsAnswered) {
+  server->set_button_cb([](int, int, void*) {}, nullptr);
+  EXPECT_LT(medianOfFive([this] {
+              run();
+              PressClient client(MURLINK_DISPLAY_HOST ":26711");
+              EXPECT_TRUE(client.connect(seconds(10)));
+              StatusResponse response;
+              EXPECT_TRUE(client.call(&Stub::service_On, 1, response).ok());
+              return duration();
+            }),
+            milliseconds(100));
+}
+
+TEST_F(ServerShutdown, GivesAClientOneSecondToAcceptItsAnswer) {
   run();
   std::atomic<bool> pressed{false};
   server->set_button_cb([&pressed](int, int, void*) { pressed = true; }, nullptr);
   RawConnection client(MURLINK_DISPLAY_HOST, 26711);
-  client.send(http2::greeting() + http2::bytes(http2::call("service_On", 1, http2::intMessage(1))));
+  client.send(http2::greetingWithoutWindow() +
+              http2::bytes(http2::call("service_On", 1, http2::intMessage(1))));
   ASSERT_TRUE(within10s([&pressed] { return pressed.load(); }));
 
   const milliseconds took = duration();
