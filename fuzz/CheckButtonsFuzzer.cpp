@@ -46,8 +46,15 @@ float someFloat(FuzzedDataProvider& data, float previous) {
   }
 }
 
+// Adds 32 buttons that overlap with nothing: large layouts are checked in another way than small ones.
+void enlarge(std::vector<button>& layout) {
+  for (int i = 0; i < 32; ++i) {
+    layout.push_back({1000 + i, std::numeric_limits<float>::quiet_NaN(), 0.5F});
+  }
+}
+
 std::vector<button> someLayout(FuzzedDataProvider& data) {
-  std::vector<button> layout(data.ConsumeIntegralInRange<std::size_t>(0, 12));
+  std::vector<button> layout(data.ConsumeIntegralInRange<std::size_t>(0, 30));
   float previous = 0;
   for (button& one : layout) {
     one.id = data.ConsumeBool() ? data.ConsumeIntegralInRange(-1, 6) : data.ConsumeIntegral<int>();
@@ -58,6 +65,9 @@ std::vector<button> someLayout(FuzzedDataProvider& data) {
       std::swap(one.start, one.end);
     }
     previous = data.ConsumeBool() ? one.start : one.end;
+  }
+  if (data.ConsumeBool()) {
+    enlarge(layout);
   }
   return layout;
 }

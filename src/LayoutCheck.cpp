@@ -3,6 +3,9 @@
 
 #include <algorithm>
 
+#include "FaultlessPairs.h"
+#include "Overlap.h"
+
 namespace murlink {
 
 namespace {
@@ -28,14 +31,6 @@ bool isValidButton(const button& one, const CallSite& site) {
   return true;
 }
 
-// In single precision and in this order of operations: buttons that only touch must not overlap by
-// a rounding error.
-bool overlap(const button& a, const button& b) {
-  const float sum = ((a.end - a.start) + b.end) - b.start;
-  const float span = std::max(a.end, b.end) - std::min(a.start, b.start);
-  return sum > span;
-}
-
 // Two buttons with the same id may overlap: the duplicate id is only logged.
 bool isValidPair(const button& a, const button& b, const CallSite& site) {
   if (a.id == b.id) {
@@ -52,11 +47,9 @@ bool isValidPair(const button& a, const button& b, const CallSite& site) {
   return true;
 }
 
-// So far apart that they do not overlap, however overlap() rounds: the error of its four operations
-// is 2e-7 at most. With a NaN the result does not matter: it overlaps with nothing.
+// So far apart that overlap() need not be asked. With a NaN, either answer is right.
 bool areClearlyApart(const button& a, const button& b) {
-  constexpr float kMargin = 1e-6F;
-  return std::max(b.start - (a.end + kMargin), (a.start - kMargin) - b.end) > 0;
+  return std::max(b.start - marginOf(b) - a.end, a.start - marginOf(a) - b.end) > 0;
 }
 
 // Whether `one` makes valid pairs with all buttons from `next` to `last`. There are many pairs, and
@@ -75,6 +68,19 @@ bool isValidWith(const button one, const button* next, const button* last, const
   }
 }
 
+// Every pair, in the order in which faults are reported.
+bool areValidPairs(const button* buttons, int count, const CallSite& site) {
+  for (int i = 0; i < count; ++i) {
+    if (!isValidWith(buttons[i], buttons + i + 1, buttons + count, site)) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// For so few buttons, comparing every pair is faster than sorting.
+constexpr int kFew = 16;
+
 }  // namespace
 
 bool isValidLayout(const button* buttons, int count, const CallSite& site) {
@@ -83,12 +89,7 @@ bool isValidLayout(const button* buttons, int count, const CallSite& site) {
       return false;
     }
   }
-  for (int i = 0; i < count; ++i) {
-    if (!isValidWith(buttons[i], buttons + i + 1, buttons + count, site)) {
-      return false;
-    }
-  }
-  return true;
+  return (count > kFew && areFaultlessPairs(buttons, count)) || areValidPairs(buttons, count, site);
 }
 
 }  // namespace murlink

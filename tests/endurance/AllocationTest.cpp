@@ -5,6 +5,7 @@
 
 #include <new>
 #include <random>
+#include <vector>
 
 #include "Endurance.h"
 #include "FailingAllocations.h"
@@ -45,17 +46,26 @@ void deleteSingletons() {
   GestureRecognition::ReleaseInstance(nullptr);
 }
 
+// So many that the check of a layout allocates too.
+std::vector<button> evenLayout(int count) {
+  std::vector<button> layout;
+  for (int i = 0; i < count; ++i) {
+    layout.push_back({i, static_cast<float>(i) / 32, static_cast<float>(i + 1) / 32});
+  }
+  return layout;
+}
+
 // Everything that an application does. A server thread that cannot allocate logs that it cannot
 // listen, and there is no server.
 void useEverything(SimulatorProcess& peers) {
   const LogCapture log;
   PressLog presses;
-  const button buttons[] = {{1, 0, 0.5F}, {2, 0.5F, 1}};
+  const std::vector<button> buttons = evenLayout(20);
   ASSERT_EQ(retried(foot_touch_initialize), 0);
   ASSERT_TRUE(
       within10s([&] { return log.has("Server listening") || log.has("cannot listen on"); }));
   retried([&] { foot_touch_set_button_cb(PressLog::note, &presses); });
-  EXPECT_EQ(retried([&] { return foot_touch_set_buttons(buttons, 2); }), 0);
+  EXPECT_EQ(retried([&] { return foot_touch_set_buttons(buttons.data(), 20); }), 0);
   EXPECT_EQ(retried(start_foot_touch), 0);
   if (log.has("Server listening")) {
     peers.command("press 1");

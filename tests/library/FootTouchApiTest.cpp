@@ -309,6 +309,19 @@ TEST_F(FootTouch, ReportsALayoutThatTheDisplayRefuses) {
   EXPECT_EQ(foot_touch_set_buttons(kTwoButtons, 2), -1073741824);
 }
 
+// More than gRPC lets the display receive.
+TEST_F(FootTouch, ReportsALayoutThatIsTooLarge) {
+  foot_touch_initialize();
+  std::vector<button> layout;
+  for (int i = 0; i < 300'000; ++i) {
+    layout.push_back({i, 0.5F, 0.5F});
+  }
+
+  EXPECT_EQ(foot_touch_set_buttons(layout.data(), 300'000), -29398954);
+
+  EXPECT_EQ(foot_touch_set_buttons(layout.data(), 1), 0);
+}
+
 TEST_F(FootTouch, LogsThatACallbackIsSet) {
   foot_touch_initialize();
   const LogCapture log;
