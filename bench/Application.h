@@ -16,8 +16,7 @@ inline void (*pressed)(int id) = nullptr;
 // Defined by each version. They throw when something fails.
 void initialise();
 void startRecognition();
-// Without the library's check and copy of a layout: layout_check measures the check.
-void sendLayout(std::vector<button>& layout);
+void sendLayout(const std::vector<button>& layout);
 void finalise();
 
 }  // namespace bench

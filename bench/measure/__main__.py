@@ -16,7 +16,8 @@ from progress import PROGRESS
 QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts, calls.checks,
              weight.loading, weight.starting, weight.ending, weight.stripped_size,
              weight.instructions)
-STEPS = len(QUESTIONS) + 1
+CURVES = {"load": presses.under_load, "layout": calls.by_buttons, "finalise": weight.by_clients}
+STEPS = len(QUESTIONS) + len(CURVES)
 
 # How often things are done. Rounds have one of each side.
 THOROUGH = SimpleNamespace(
@@ -53,10 +54,12 @@ def main(build, quick):
             for figure in found:
                 figures.append(figure)
                 print(report.row(figure, judged=not quick), flush=True)
-        PROGRESS.step(STEPS, STEPS, presses.under_load.__name__)
-        load = presses.under_load(programs, size)
-        PROGRESS.clear()
-    report.write(programs.build / ("quick" if quick else "results"), machine(), figures, load)
+        curves = {}
+        for number, (name, measure) in enumerate(CURVES.items(), len(QUESTIONS) + 1):
+            PROGRESS.step(number, STEPS, measure.__name__)
+            curves[name] = measure(programs, size)
+            PROGRESS.clear()
+    report.write(programs.build / ("quick" if quick else "results"), machine(), figures, curves)
 
 
 if __name__ == "__main__":

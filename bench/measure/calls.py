@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
 """Outgoing calls, and the check of a layout."""
 import json
+import math
+import statistics
 
 from figures import plain, ratio
 from presses import in_turn
@@ -15,7 +17,7 @@ def commands(programs, size):
 
 
 def layouts(programs, size):
-    """Sending a layout, without the check and the copy."""
+    """foot_touch_set_buttons() beside the stub's setButtons: check, copy and call."""
     figures, sent = [], {}
     for count, calls in size.layouts.items():
         runs = in_turn(size.some, lambda side, c=count, n=calls: programs.run(
@@ -31,17 +33,38 @@ def layouts(programs, size):
     return figures
 
 
-def checks(programs, size):
-    """check_buttons() beside a plain double loop."""
+def check_us(programs, size, sides):
+    """check_buttons() of layouts in order ("library") and "shuffled", and a "plain" double loop."""
     out = output(*programs.on_one_core, programs.path("layout_check"), "--benchmark_format=json",
-                 f"--benchmark_repetitions={size.some}", f"--benchmark_min_time={size.check_s}",
+                 f"--benchmark_filter=/({sides})/", f"--benchmark_repetitions={size.some}",
+                 f"--benchmark_min_time={size.check_s}",
                  "--benchmark_enable_random_interleaving=true")
-    per_pair = {}
+    durations = {}
     for run in json.loads(out)["benchmarks"]:
         if run["run_type"] == "iteration":
             _, side, count = run["name"].split("/")[:3]
-            per_pair.setdefault((side, int(count)), []).append(1e9 / run["items_per_second"])
-    return [ratio(f"layout of {count:,} buttons checked, a pair",
-                  "≤ 0.76" if count >= 100 else "≤ 1.02",
-                  per_pair["library", count], per_pair["plain", count], "ns")
-            for count in (10, 100, 1000, 10000)]
+            durations.setdefault((side, int(count)), []).append(run["real_time"] / 1e3)
+    return durations
+
+
+def checks(programs, size):
+    """check_buttons() beside a plain double loop."""
+    durations = check_us(programs, size, "library|plain")
+    return [ratio(f"layout of {count:,} buttons checked", goal, durations["library", count],
+                  durations["plain", count], "µs")
+            for count, goal in ((10, "≤ 1.2"), (100, "≤ 0.5"), (1000, "≤ 0.1"), (10000, "≤ 0.02"))]
+
+
+def by_buttons(programs, size):
+    """For each number of buttons: how long it takes to check and to send them."""
+    checked = check_us(programs, size, "library|shuffled|plain")
+    rows = []
+    for count in sorted({count for _, count in checked}):
+        row = {"buttons": count}
+        for side in ("library", "shuffled", "plain"):
+            row[side] = statistics.median(checked.get((side, count), [math.nan]))
+        row["sent"] = math.nan
+        if count <= 100000:  # the display accepts no more than 4 MiB
+            row["sent"] = programs.run("library_caller", 10, count)["p50_ns"] / 1e3
+        rows.append(row)
+    return rows

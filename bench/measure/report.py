@@ -41,23 +41,24 @@ def with_unit(value, unit, digits=2):
     return f"{short(value, digits)} {unit}".rstrip()
 
 
-def write(folder, machine, figures, load):
+def write(folder, machine, figures, curves):
     """Writes the results to a folder and prints its path."""
     folder.mkdir(exist_ok=True)
     (folder / "results.json").write_text(json.dumps({
         "machine": machine,
         "figures": [{**dataclasses.asdict(figure), "met": figure.is_met} for figure in figures],
-        "load": load,
+        **curves,
     }, indent=1) + "\n", encoding="utf-8")
     parts = next(figure.parts for figure in figures if figure.name.startswith("press, round trip"))
     draw(folder, "press", [[f"{name}: {value:.1f} µs" for name, value in parts.items()],
                            list(parts.values())])
-    draw(folder, "load", [list(load[0])] + [list(point.values()) for point in load])
+    for name, points in curves.items():
+        draw(folder, name, [list(points[0])] + [list(point.values()) for point in points])
     print(f"\n{machine['processor']}, Linux {machine['kernel']}, gRPC {machine['grpc']}, protobuf "
           f"{machine['protobuf']}.\nRatios are of medians, library / bare; the spread holds the "
           "middle four fifths of the pairs that were\nmeasured in the same round. Also in "
-          f"{folder}/results.json; where a press\nspends its time in press.svg beside it, and "
-          "latency against load in load.svg.")
+          f"{folder}/results.json; where a press\nspends its time in press.svg beside it, and how "
+          f"the cost grows in {', '.join(name + '.svg' for name in curves)}.")
 
 
 def draw(folder, name, rows):
