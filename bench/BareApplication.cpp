@@ -86,7 +86,7 @@ void startRecognition() {
   call(&Quarlo_RB_GRPC::Stub::program_run, *robot, footTouch());
 }
 
-void sendLayout(const std::vector<button>& layout) {
+void sendLayout(std::vector<button>& layout) {
   Buttons message;
   for (const button& one : layout) {
     auto* const added = message.add_buttons();

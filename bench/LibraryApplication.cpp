@@ -3,8 +3,8 @@
 #include <string>
 
 #include "Application.h"
+#include "FootTouchServerManager.h"
 #include "UnreadLog.h"
-#include "murlink_robot.h"
 
 namespace bench {
 
@@ -28,8 +28,8 @@ void startRecognition() {
   expectSuccess(start_foot_touch());
 }
 
-void sendLayout(const std::vector<button>& layout) {
-  expectSuccess(foot_touch_set_buttons(layout.data(), static_cast<int>(layout.size())));
+void sendLayout(std::vector<button>& layout) {
+  expectSuccess(FootTouchServerManager::GetInstance()->SendBtnInfo(layout));
 }
 
 void finalise() {

@@ -14,7 +14,7 @@
 
 namespace {
 
-void call(const std::vector<button>& layout) {
+void call(std::vector<button>& layout) {
   if (layout.empty()) {
     bench::startRecognition();
   } else {
@@ -22,7 +22,7 @@ void call(const std::vector<button>& layout) {
   }
 }
 
-void run(int calls, const std::vector<button>& layout) {
+void run(int calls, std::vector<button> layout) {
   bench::Samples durations(static_cast<std::size_t>(calls));
   bench::initialise();
   for (int i = 0; i < calls / 10 + 1; ++i) {

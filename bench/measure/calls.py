@@ -17,7 +17,7 @@ def commands(programs, size):
 
 
 def layouts(programs, size):
-    """foot_touch_set_buttons() beside the stub's setButtons: check, copy and call."""
+    """Sending a layout, without the check and the copy."""
     figures, sent = [], {}
     for count, calls in size.layouts.items():
         runs = in_turn(size.some, lambda side, c=count, n=calls: programs.run(
@@ -56,15 +56,15 @@ def checks(programs, size):
 
 
 def by_buttons(programs, size):
-    """For each number of buttons: how long it takes to check and to send them."""
+    """For each number of buttons: check_buttons() and foot_touch_set_buttons()."""
     checked = check_us(programs, size, "library|shuffled|plain")
     rows = []
     for count in sorted({count for _, count in checked}):
         row = {"buttons": count}
         for side in ("library", "shuffled", "plain"):
             row[side] = statistics.median(checked.get((side, count), [math.nan]))
-        row["sent"] = math.nan
-        if count <= 100000:  # the display accepts no more than 4 MiB
-            row["sent"] = programs.run("library_caller", 10, count)["p50_ns"] / 1e3
+        whole = programs.run("set_buttons", 10, count)
+        # The display accepts no more than 4 MiB.
+        row["set"] = whole["p50_ns"] / 1e3 if whole["result"] == 0 else math.nan
         rows.append(row)
     return rows

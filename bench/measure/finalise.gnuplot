@@ -7,8 +7,8 @@ set xlabel "connected clients that do not read"
 set ylabel "ms"
 set logscale xy
 set xrange [0.8:125]
-set yrange [1:10000]
-set key top left
+set yrange [1:100000]
+set key center right
 set grid
 set style data yerrorlines
 set pointsize 0.5
