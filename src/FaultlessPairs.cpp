@@ -81,7 +81,7 @@ class Sweep {
       return buttons_[i].start == first.start && buttons_[i].end == first.end;
     };
     // Nearly always there is one.
-    const Index next = begin + 1;
+    const auto next = begin + 1;
     return {begin,
             next == end_ || !is_here(*next) ? next : std::partition_point(next, end_, is_here)};
   }
