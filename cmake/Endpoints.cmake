@@ -6,12 +6,12 @@ set(MURLINK_ROBOT_HOST "127.0.0.1" CACHE STRING
 set(MURLINK_DISPLAY_HOST "127.0.0.2" CACHE STRING
   "IPv4 address of the host that runs the display-side service (port 26710) and this library (port 26711)")
 
-# Stops unless the variable holds the address of one host. 0.0.0.0 is refused: the library would
-# listen on every interface.
+# Stops unless the variable holds the address of one host. Others are refused: 0.x, with which the
+# library would listen on every interface, multicast and broadcast (224 to 255).
 function(murlink_check_host variable)
   set(octet "(25[0-5]|2[0-4][0-9]|1[0-9][0-9]|[1-9][0-9]|[0-9])")
   if(NOT "${${variable}}" MATCHES "^${octet}\\.${octet}\\.${octet}\\.${octet}$"
-     OR "${${variable}}" STREQUAL "0.0.0.0")
+     OR "${${variable}}" MATCHES "^(0|22[4-9]|2[3-5][0-9])\\.")
     message(FATAL_ERROR "${variable} is \"${${variable}}\", "
       "but it must be the IPv4 address of one host in dotted form, such as 192.168.0.10")
   endif()
