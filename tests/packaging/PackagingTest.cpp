@@ -122,7 +122,7 @@ TEST_F(Installed, HasItsSimulator) {
 
 TEST_F(Installed, LooksForLibrariesNowhereElse) {
   for (const std::string file :
-       {LIBRARY_FOLDER "/libmurlink-robot.so", LIBRARY_FOLDER "/libmurlink-platform.so",
+       {LIBRARY_FOLDER "/libmurlink-robot.so.1", LIBRARY_FOLDER "/libmurlink-platform.so.1",
         "bin/murlink-simulator"}) {
     EXPECT_THAT(outputOf({"readelf", "--dynamic", prefix + "/" + file}),
                 AllOf(Not(HasSubstr("RUNPATH")), Not(HasSubstr("RPATH"))))
