@@ -105,7 +105,6 @@ TEST_F(Installed, IsFoundByPkgConfig) {
       {"PKG_CONFIG_PATH", libraries + "/pkgconfig"}};
   const std::string flags =
       outputOf({"pkg-config", "--cflags", "--libs", "murlink-robot"}, environment);
-  const std::string compile = " application.c";
   outputOf({"sh", "-c", CC " -o " + folder.path("in_c") + " " SOURCES "/application.c " + flags});
   outputOf(
       {"sh", "-c", CXX " -o " + folder.path("in_cpp") + " " SOURCES "/application.cpp " + flags});
