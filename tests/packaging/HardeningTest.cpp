@@ -12,14 +12,13 @@ namespace {
 using ::testing::AnyOf;
 using ::testing::HasSubstr;
 
-class Shipped : public ::testing::TestWithParam<const char*> {
- protected:
-  static std::string outputOf(const std::vector<std::string>& command) {
-    const Finished finished = runToEnd(command, {}, std::chrono::minutes(1));
-    EXPECT_EQ(finished.exit_code, 0) << finished.err;
-    return finished.out;
-  }
-};
+std::string outputOf(const std::vector<std::string>& command) {
+  const Finished finished = runToEnd(command, {}, std::chrono::minutes(1));
+  EXPECT_EQ(finished.exit_code, 0) << finished.err;
+  return finished.out;
+}
+
+class Shipped : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(Shipped, BindsItsSymbolsAtLoadAndThenWriteProtectsThem) {
   EXPECT_THAT(outputOf({"readelf", "--wide", "--segments", GetParam()}), HasSubstr("GNU_RELRO"));
@@ -44,10 +43,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // The library and the simulator call no function that has a checked version.
 TEST(ShippedStandIn, ChecksTheSizesOfItsBuffers) {
-  const Finished finished =
-      runToEnd({"nm", "--dynamic", MURLINK_PLATFORM}, {}, std::chrono::minutes(1));
-
-  EXPECT_THAT(finished.out, HasSubstr("_chk@GLIBC"));
+  EXPECT_THAT(outputOf({"nm", "--dynamic", MURLINK_PLATFORM}), HasSubstr("_chk@GLIBC"));
 }
 
 }  // namespace

@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
+#include <stdexcept>
 
 #include "support/ChildProcess.h"
 #include "support/OwnFolder.h"
@@ -98,6 +97,7 @@ TEST_F(Installed, NeedsNoStandInToBeLinked) {
 
   outputOf({CMAKE, "-S", SOURCES "/installed", "-B", folder.path("build"),
             "-DCMAKE_PREFIX_PATH=" + prefix});
+  outputOf({CMAKE, "--build", folder.path("build")});
 }
 
 TEST_F(Installed, IsFoundByPkgConfig) {
