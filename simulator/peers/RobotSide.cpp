@@ -44,9 +44,11 @@ class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
     call.behave = [&] { return peers_.robot.handle(rpc, feature); };
     call.remark = [&] {
       const auto state = peers_.robot.state(feature);
-      return state ? Message{", " + name + " is " + std::string(stateName(*state)),
-                             {{"state", stateName(*state)}}}
-                   : Message{};
+      if (!state) {
+        return Message{};
+      }
+      return Message{", " + name + " is " + std::string(stateName(*state)),
+                     {{"state", stateName(*state)}}};
     };
     return handle(peers_, call, context, response);
   }

@@ -30,7 +30,7 @@ using zet::protobuf::app::Quarlo_TV_GRPC;
 // ---- Descriptors
 
 std::string typeOf(const FieldDescriptor& field) {
-  return field.message_type() == nullptr ? field.type_name()
+  return field.message_type() == nullptr ? std::string(field.type_name())
                                          : "." + std::string(field.message_type()->full_name());
 }
 

@@ -109,8 +109,8 @@ struct Rule {
 class DisplayRule : public SimulatedDisplay, public ::testing::WithParamInterface<Rule> {};
 
 TEST_P(DisplayRule, DecidesTheAnswerAndStoresNothing) {
-  library.deadline = std::chrono::milliseconds(200);
   simulator.command(GetParam().command);
+  library.expect(GetParam().answer);
 
   EXPECT_EQ(library.setAddress("127.0.0.2:1"), GetParam().answer);
   EXPECT_EQ(library.setButtons(kTwo), GetParam().answer);

@@ -59,13 +59,11 @@ struct Row {
   Answer on_open_connection;
 };
 
-class ProxyFault : public SimulatedProxy, public ::testing::WithParamInterface<Row> {
- protected:
-  ProxyFault() { library.deadline = milliseconds(200); }
-};
+class ProxyFault : public SimulatedProxy, public ::testing::WithParamInterface<Row> {};
 
 TEST_P(ProxyFault, AffectsANewConnection) {
   simulator.command(GetParam().fault);
+  library.expect(GetParam().on_new_connection);
 
   EXPECT_EQ(call(), GetParam().on_new_connection);
 }
@@ -73,6 +71,7 @@ TEST_P(ProxyFault, AffectsANewConnection) {
 TEST_P(ProxyFault, AffectsAnOpenConnection) {
   ASSERT_EQ(call(), kDone);
   simulator.command(GetParam().fault);
+  library.expect(GetParam().on_open_connection);
 
   EXPECT_EQ(call(), GetParam().on_open_connection);
 }

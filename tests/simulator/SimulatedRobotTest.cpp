@@ -143,23 +143,29 @@ TEST_F(RobotRule, WithAWaitAloneChangesTheStateAsUsual) {
   EXPECT_EQ(states().at("gesture"), "on");
 }
 
+bool isReplyToServiceOn(const Json& event) {
+  return isReply(event) && event.at("rpc") == "service_On";
+}
+
 TEST_F(RobotRule, ChangesTheStateAfterTheCallerHasGivenUp) {
-  library.deadline = milliseconds(100);
+  library.serviceOff(kGesture);  // connects
   robot.command("when service_On gesture wait 300ms");
+  library.deadline = milliseconds(100);
 
   EXPECT_EQ(library.serviceOn(kGesture).status, grpc::DEADLINE_EXCEEDED);
 
-  robot.waitForEvent(isReply);
+  robot.waitForEvent(isReplyToServiceOn);
   EXPECT_EQ(states().at("gesture"), "on");
 }
 
 TEST_F(RobotRule, WithNeverHoldsTheCallUntilTheCallerGivesUp) {
-  library.deadline = milliseconds(100);
+  library.serviceOff(kGesture);  // connects
   robot.command("when any any never");
+  library.deadline = milliseconds(100);
 
   EXPECT_EQ(library.serviceOn(kGesture).status, grpc::DEADLINE_EXCEEDED);
 
-  EXPECT_EQ(robot.waitForEvent(isReply).at("gave_up"), true);
+  EXPECT_EQ(robot.waitForEvent(isReplyToServiceOn).at("gave_up"), true);
 }
 
 }  // namespace
