@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# What makes mistakes in C++ code harder to exploit, in everything that is shipped: the preset `release`
-# has it on. Protection of the control flow depends on the processor.
+# Options of compiler and linker that make memory errors harder to exploit. The preset `release` and
+# the Debian packages set MURLINK_HARDENING. Protection of the control flow depends on the processor.
 include(CheckCXXCompilerFlag)
 
 option(MURLINK_HARDENING "Stack protector, FORTIFY, control-flow protection, read-only relocations" OFF)

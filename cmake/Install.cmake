@@ -17,12 +17,16 @@ if(MURLINK_BUILD_SIMULATOR)
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endif()
 
+if(MURLINK_NOTICE)
+  install(FILES ${MURLINK_NOTICE} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT runtime)
+endif()
+
 install(FILES include/murlink_robot.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(FILES proto/Quarlo_Platform.proto proto/Quarlo_RB_Server.proto proto/Quarlo_TV_Server.proto
   DESTINATION ${CMAKE_INSTALL_DATADIR}/murlink-robot/proto COMPONENT development)
 
-# Apart, because a device's image needs no stand-in.
+# Two sets of targets: a device's image has no stand-in.
 install(EXPORT murlink-robotTargets NAMESPACE murlink::
   DESTINATION ${cmake_dir} COMPONENT development)
 install(EXPORT murlink-platformTargets NAMESPACE murlink::

@@ -112,6 +112,9 @@ TEST(FailedAllocation, OfTheChannelIsRepeatedByTheNextCall) {
 }
 
 TEST(FailedAllocation, ThrowsOnceAndTheNextCallWorks) {
+  if (MURLINK_MESSAGES_CHECK_THEMSELVES) {
+    GTEST_SKIP() << "this protobuf aborts when a message that could not allocate is deleted";
+  }
   SimulatorProcess peers({"--quiet"});
   FootTouchGrpcClient::getInstance();  // makes the channel, which has a test of its own
   deleteSingletons();

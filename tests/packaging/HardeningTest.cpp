@@ -21,29 +21,29 @@ std::string outputOf(const std::vector<std::string>& command) {
 class Shipped : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(Shipped, BindsItsSymbolsAtLoadAndThenWriteProtectsThem) {
-  EXPECT_THAT(outputOf({"readelf", "--wide", "--segments", GetParam()}), HasSubstr("GNU_RELRO"));
-  EXPECT_THAT(outputOf({"readelf", "--wide", "--dynamic", GetParam()}), HasSubstr("BIND_NOW"));
+  EXPECT_THAT(outputOf({READELF, "--wide", "--segments", GetParam()}), HasSubstr("GNU_RELRO"));
+  EXPECT_THAT(outputOf({READELF, "--wide", "--dynamic", GetParam()}), HasSubstr("BIND_NOW"));
 }
 
 TEST_P(Shipped, ChecksItsStack) {
-  EXPECT_THAT(outputOf({"nm", "--dynamic", GetParam()}), HasSubstr("__stack_chk_fail"));
+  EXPECT_THAT(outputOf({NM, "--dynamic", GetParam()}), HasSubstr("__stack_chk_fail"));
 }
 
 // The instructions at which a call or jump may arrive, or which sign a return address.
 TEST_P(Shipped, ProtectsItsControlFlow) {
-  EXPECT_THAT(outputOf({"objdump", "--disassemble", "--no-show-raw-insn", GetParam()}),
+  EXPECT_THAT(outputOf({OBJDUMP, "--disassemble", "--no-show-raw-insn", GetParam()}),
               AnyOf(HasSubstr("endbr64"), HasSubstr("paciasp"), HasSubstr("bti\tc")));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     File, Shipped, ::testing::Values(MURLINK_ROBOT, MURLINK_PLATFORM, MURLINK_SIMULATOR),
-    [](const auto& info) {
-      return std::string(std::array{"Library", "StandIn", "Simulator"}.at(info.index));
+    [](const auto& file) {
+      return std::string(std::array{"Library", "StandIn", "Simulator"}.at(file.index));
     });
 
 // The library and the simulator call no function that has a checked version.
 TEST(ShippedStandIn, ChecksTheSizesOfItsBuffers) {
-  EXPECT_THAT(outputOf({"nm", "--dynamic", MURLINK_PLATFORM}), HasSubstr("_chk@GLIBC"));
+  EXPECT_THAT(outputOf({NM, "--dynamic", MURLINK_PLATFORM}), HasSubstr("_chk@GLIBC"));
 }
 
 }  // namespace

@@ -3,12 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <stdexcept>
-
-#include "support/ChildProcess.h"
-#include "support/OwnFolder.h"
-#include "support/SimulatorProcess.h"
+#include "Installed.h"
 
 namespace {
 
@@ -21,18 +16,6 @@ using ::testing::UnorderedElementsAre;
 
 namespace fs = std::filesystem;
 
-using Command = std::vector<std::string>;
-
-// What a command writes; throws when it fails.
-std::string outputOf(const Command& command,
-                     const std::map<std::string, std::string>& environment = {}) {
-  const Finished finished = runToEnd(command, environment, minutes(10));
-  if (finished.exit_code != 0) {
-    throw std::runtime_error(finished.out + finished.err);
-  }
-  return finished.out;
-}
-
 std::vector<std::string> filesIn(const std::string& folder) {
   std::vector<std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(folder)) {
@@ -42,30 +25,6 @@ std::vector<std::string> filesIn(const std::string& folder) {
   }
   return files;
 }
-
-void install(const std::string& prefix, const Command& options = {}) {
-  Command command{CMAKE, "--install", BINARY_FOLDER, "--prefix", prefix};
-  command.insert(command.end(), options.begin(), options.end());
-  outputOf(command);
-}
-
-// Installed in one folder, and then moved to another.
-class Installed : public ::testing::Test {
- protected:
-  Installed() {
-    install(folder.path("first"));
-    fs::rename(folder.path("first"), prefix);
-  }
-
-  std::string run(const std::string& program) const {
-    SimulatorProcess peers;
-    return outputOf({program}, {{"LD_LIBRARY_PATH", libraries}});
-  }
-
-  const OwnFolder folder;
-  const std::string prefix = folder.path("moved");
-  const std::string libraries = prefix + "/" LIBRARY_FOLDER;
-};
 
 TEST_F(Installed, IsFoundByFindPackage) {
   outputOf({CMAKE, "-S", SOURCES "/installed", "-B", folder.path("build"),
@@ -92,7 +51,7 @@ TEST_F(Installed, IsNotFoundAsAnotherMajorVersion) {
   EXPECT_THAT(finished.err, HasSubstr("version: " VERSION));
 }
 
-TEST_F(Installed, NeedsNoStandInToBeLinked) {
+TEST_F(Installed, NeedsNoCMakeFileOfTheStandIn) {
   fs::remove(libraries + "/cmake/murlink-robot/murlink-platformTargets.cmake");
 
   outputOf({CMAKE, "-S", SOURCES "/installed", "-B", folder.path("build"),
@@ -114,6 +73,13 @@ TEST_F(Installed, IsFoundByPkgConfig) {
   EXPECT_EQ(outputOf({"pkg-config", "--modversion", "murlink-robot"}, environment), VERSION "\n");
 }
 
+TEST_F(Installed, IsEnoughForTheProgramOfTheReadme) {
+  outputOf({SOURCES "/readme_program", folder.path("")},
+           {{"PKG_CONFIG_PATH", libraries + "/pkgconfig"}});
+
+  EXPECT_EQ(run(folder.path("hello")), "The robot recognises gestures. Press Enter to stop.\n");
+}
+
 TEST_F(Installed, HasItsSimulator) {
   EXPECT_THAT(outputOf({prefix + "/bin/murlink-simulator", "--help"}),
               HasSubstr("murlink-simulator"));
@@ -128,6 +94,26 @@ TEST_F(Installed, LooksForLibrariesNowhereElse) {
         << file;
   }
 }
+
+#if MURLINK_SELF_CONTAINED
+
+TEST_F(Installed, NeedsOnlyTheCAndCppLibrariesAndThePlatform) {
+  EXPECT_EQ(
+      outputOf(
+          {"sh", "-c",
+           "readelf --dynamic " + libraries +
+               "/libmurlink-robot.so.1 | "
+               "sed -n 's/.*NEEDED.*\\[\\(lib.*\\)\\.so.*/\\1/p' | LC_ALL=C sort | tr '\\n' ' '"}),
+      "libc libgcc_s libm libmurlink-platform libstdc++ ");
+}
+
+TEST_F(Installed, HasTheLicencesOfWhatIsInside) {
+  EXPECT_THAT(outputOf({"cat", prefix + "/share/doc/murlink-robot/NOTICE"}),
+              AllOf(HasSubstr("grpc, as in the Debian package"),
+                    HasSubstr("TERMS AND CONDITIONS FOR USE")));
+}
+
+#endif
 
 TEST(InstalledComponents, CanBeInstalledApart) {
   const OwnFolder folder;
@@ -154,48 +140,47 @@ std::string configured(const std::string& build, const Command& options = {}) {
   return outputOf(command);
 }
 
-constexpr char kNothingAdded[] =
-    "options [] definitions [] flags [] build type [] targets [murlink_hardening;murlink_language] "
-    "tests [] errors [errors-NOTFOUND]";
+class Subdirectory : public ::testing::TestWithParam<const char*> {};
 
-TEST(Subdirectory, AddsNothingToItsParent) {
-  const OwnFolder folder;
-
-  EXPECT_THAT(configured(folder.path("build")), HasSubstr(kNothingAdded));
-}
-
-TEST(Subdirectory, CanBeFetched) {
-  const OwnFolder folder;
-
-  EXPECT_THAT(configured(folder.path("build"), {"-DFETCH=ON"}), HasSubstr(kNothingAdded));
-}
-
-TEST(Subdirectory, IsBuiltAndInstalledWithItsParent) {
+TEST_P(Subdirectory, IsBuiltAndInstalledWithItsParentAndAddsNothingElse) {
   const OwnFolder folder;
   const std::string build = folder.path("build");
   const std::string prefix = folder.path("prefix");
-  configured(build);
+
+  EXPECT_THAT(
+      configured(build, {GetParam()}),
+      HasSubstr(
+          "folders [proto;platform;src] targets [murlink_hardening;murlink_language] options [] "
+          "flags [] build type [] tests [] errors [errors-NOTFOUND]"));
+
   outputOf({CMAKE, "--build", build, "--parallel", "2"});
   outputOf({CMAKE, "--install", build, "--prefix", prefix});
-  SimulatorProcess peers;
-
-  EXPECT_EQ(outputOf({prefix + "/bin/application_in_c"},
-                     {{"LD_LIBRARY_PATH", prefix + "/" LIBRARY_FOLDER}}),
-            "0\n0\n0\n");
+  for (const std::string application : {"/bin/application_in_c", "/bin/application_in_cpp"}) {
+    SimulatorProcess peers;
+    EXPECT_EQ(outputOf({prefix + application}, {{"LD_LIBRARY_PATH", prefix + "/" LIBRARY_FOLDER}}),
+              "0\n0\n0\n");
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, Subdirectory, ::testing::Values("-DFETCH=OFF", "-DFETCH=ON"),
+                         [](const auto& kind) {
+                           return kind.index == 0 ? "AddSubdirectory" : "FetchContent";
+                         });
 
 TEST(WrongPlatformLibraries, AreNamedByTheLinker) {
   const OwnFolder folder;
-  outputOf({CMAKE, "-S", SOURCES "/subdirectory", "-B", folder.path("build"), "-DMURLINK=" PROJECT,
-            "-DMURLINK_PLATFORM_LIBRARIES=m"});
+  const std::string build = folder.path("build");
+  const auto link = [&](const std::string& libraries) {
+    configured(build, {"-DMURLINK_PLATFORM_LIBRARIES=" + libraries});
+    const Finished finished = runToEnd(
+        {CMAKE, "--build", build, "--parallel", "2", "--target", "murlink_robot"}, {}, minutes(10));
+    EXPECT_NE(finished.exit_code, 0);
+    return finished.out + finished.err;
+  };
 
-  const Finished finished = runToEnd(
-      {CMAKE, "--build", folder.path("build"), "--parallel", "2", "--target", "murlink_robot"}, {},
-      minutes(10));
-
-  EXPECT_NE(finished.exit_code, 0);
-  EXPECT_THAT(finished.out + finished.err,
-              HasSubstr("dlog_print is not defined: set MURLINK_PLATFORM_LIBRARIES to"));
+  EXPECT_THAT(link("m"), HasSubstr("dlog_print is not defined: set MURLINK_PLATFORM_LIBRARIES to"));
+  EXPECT_THAT(link("no_such_library"),
+              HasSubstr("no_such_library is not found: MURLINK_PLATFORM_LIBRARIES may name it"));
 }
 
 }  // namespace
