@@ -15,7 +15,7 @@ from progress import PROGRESS
 
 QUESTIONS = (presses.latency, presses.throughput, calls.commands, calls.layouts, calls.checks,
              weight.loading, weight.starting, weight.ending, weight.stripped_size,
-             weight.instructions)
+             weight.instructions, weight.self_contained)
 CURVES = {"load": presses.under_load, "layout": calls.by_buttons, "finalise": weight.by_clients}
 STEPS = len(QUESTIONS) + len(CURVES)
 

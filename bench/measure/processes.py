@@ -8,6 +8,10 @@ import subprocess
 import threading
 
 
+# Programs of this name are those of the name "library", with another build of the library.
+SELF_CONTAINED = "self_contained"
+
+
 class Failure(Exception):
     """A program failed, or its output could not be parsed."""
 
@@ -24,6 +28,7 @@ class Programs:
     def __init__(self, build):
         self.build = pathlib.Path(build).resolve()
         self.library = self.build / "src" / "libmurlink-robot.so"
+        self.self_contained = self.build.parent / "self-contained" / "src" / self.library.name
         # The last one: the first processors serve most interrupts.
         self.on_one_core = ("taskset", "--cpu-list", str(max(os.sched_getaffinity(0))))
 
@@ -42,6 +47,9 @@ class Programs:
         environment = {key: text for key, text in os.environ.items() if key != "BENCH_LOG"}
         if formats_log:
             environment["BENCH_LOG"] = "format"
+        if name.startswith(SELF_CONTAINED):
+            name = name.replace(SELF_CONTAINED, "library")
+            environment["LD_LIBRARY_PATH"] = str(self.self_contained.parent)
         command = [*(self.on_one_core if pinned else ()), *under, self.path(name), *arguments]
         process = Process([str(word) for word in command], environment, limit_s)
         try:

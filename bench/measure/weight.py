@@ -7,8 +7,13 @@ import tempfile
 import time
 
 from figures import difference, plain, ratio
-from presses import SIDES, column, in_turn
-from processes import Failure, output
+from presses import SIDES, column, in_turn, press
+from processes import SELF_CONTAINED, Failure, output
+
+
+def load_ms(programs, *libraries):
+    """dlopen() of libraries in a new process."""
+    return programs.run("load_time", *libraries)["load_ns"] / 1e6
 
 
 def loading(programs, size):
@@ -17,23 +22,24 @@ def loading(programs, size):
     grpc, protobuf = (re.search(rf"=> (\S*/{name}\.so\S*)", needed)[1]
                       for name in (r"libgrpc\+\+", "libprotobuf"))
     paths = {"library": [programs.library], "grpc": [grpc], "both": [grpc, protobuf]}
-    runs = in_turn(size.starts, lambda name: programs.run(
-        "load_time", *paths[name])["load_ns"] / 1e6, tuple(paths))
+    runs = in_turn(size.starts, lambda name: load_ms(programs, *paths[name]), tuple(paths))
     return [ratio("dlopen beside libgrpc++", "", runs["library"], runs["grpc"], "ms"),
             ratio("dlopen beside libgrpc++ and libprotobuf", "≤ 1.05", runs["library"], runs["both"],
                   "ms")]
 
 
-def starting(programs, size):
+def start(programs, side):
     """The first initialise until it returns, and what the process holds once it listens."""
-    def start(side):
-        with programs.started(f"{side}_server") as server:
-            printed = server.next_line()
-            server.finish()
-        return {**printed, "initialise_ms": printed["initialise_ns"] / 1e6,
-                "resident_mib": printed["resident_kib"] / 1024}
+    with programs.started(f"{side}_server") as server:
+        printed = server.next_line()
+        server.finish()
+    return {**printed, "initialise_ms": printed["initialise_ns"] / 1e6,
+            "resident_mib": printed["resident_kib"] / 1024}
 
-    runs = in_turn(size.starts, start)
+
+def starting(programs, size):
+    """What start() measures."""
+    runs = in_turn(size.starts, lambda side: start(programs, side))
     return [
         ratio("first foot_touch_initialize", "≤ 1.10", *column(runs, "initialise_ms"), "ms"),
         difference("memory after it, more than bare", "≤ 1", *column(runs, "resident_mib"), "MiB"),
@@ -91,12 +97,36 @@ def ending(programs, size):
     ]
 
 
-def stripped_size(programs, _size):
-    """As a device image holds the library."""
+def stripped_kb(library):
+    """The size of a library as a device image holds it."""
     with tempfile.NamedTemporaryFile() as stripped:
-        output("strip", "-o", stripped.name, programs.library)
-        kilobytes = len(stripped.read()) / 1000
-    return [plain("size of the library, stripped", "≤ 200", [kilobytes], "kB")]
+        output("strip", "-o", stripped.name, library)
+        return len(stripped.read()) / 1000
+
+
+def stripped_size(programs, _size):
+    """Of the library."""
+    return [plain("size of the library, stripped", "≤ 200", [stripped_kb(programs.library)], "kB")]
+
+
+def self_contained(programs, size):
+    """Of the library with gRPC and protobuf inside, where it was built; beside the one without, and
+    for a press beside bare gRPC."""
+    inside, outside = programs.self_contained, programs.library
+    if not inside.exists():
+        return []
+    presses = in_turn(
+        size.rounds, lambda side: press(programs, side, "--presses", size.presses)["p50"],
+        (SELF_CONTAINED, "bare"))
+    loads = in_turn(size.starts, lambda library: load_ms(programs, library), (inside, outside))
+    starts = in_turn(size.starts, lambda side: start(programs, side)["resident_mib"],
+                     (SELF_CONTAINED, "library"))
+    return [
+        ratio("self-contained, press, round trip p50", "≤ 0.85", *presses.values(), "µs"),
+        ratio("self-contained, dlopen beside the shared one", "≤ 0.2", *loads.values(), "ms"),
+        ratio("self-contained, memory beside the shared one", "≤ 0.6", *starts.values(), "MiB"),
+        plain("self-contained, size, stripped", "≤ 6,000", [stripped_kb(inside)], "kB"),
+    ]
 
 
 # Whose code it is: the owner of the first pattern that matches "file:function [object]".
