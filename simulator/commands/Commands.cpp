@@ -5,8 +5,16 @@
 
 #include "commands/CommandError.h"
 #include "commands/Parsing.h"
+#include "common/Printable.h"
 
 namespace simulator {
+namespace {
+
+Message error(const std::string& why) {
+  return {"error: " + printable(why), {{"answer", "error"}, {"message", why}}};
+}
+
+}  // namespace
 
 const Commands::Entry& Commands::find(std::string_view name) const {
   const auto found = std::find_if(entries_.begin(), entries_.end(),
@@ -21,23 +29,28 @@ const Commands::Entry& Commands::find(std::string_view name) const {
   return *found;
 }
 
-std::optional<Message> Commands::execute(const std::string& line) {
+std::optional<Message> Commands::execute(std::string_view line) {
   WordReader words(line);
   if (words.done() || words.peek().front() == '#') {
     return std::nullopt;
   }
   try {
     return run(words);
+  } catch (const Interrupted& end) {
+    return error(end.what());
   } catch (const CommandError& problem) {
-    failed_ = true;
-    return Message{std::string("error: ") + problem.what(),
-                   {{"answer", "error"}, {"message", problem.what()}}};
+    return refuse(problem.what());
   }
+}
+
+Message Commands::refuse(const std::string& why) {
+  failed_ = true;
+  return error(why);
 }
 
 Message Commands::run(WordReader& words) const {
   if (stop_.isRaised()) {
-    throw CommandError(kShuttingDown);
+    throw Interrupted();
   }
   return find(words.take()).run(words);
 }
@@ -45,7 +58,7 @@ Message Commands::run(WordReader& words) const {
 Message ok(const std::string& details, const JsonObject& more) {
   JsonObject answer{{"answer", "ok"}};
   answer.update(more);
-  return {details.empty() ? "ok" : "ok " + details, answer};
+  return {details.empty() ? "ok" : "ok " + printable(details), answer};
 }
 
 }  // namespace simulator

@@ -37,14 +37,16 @@ class Commands {
 
   // Carries out one line and returns the answer; none for a blank line or a # comment. A line with
   // wrong syntax changes nothing.
-  std::optional<Message> execute(const std::string& line);
+  std::optional<Message> execute(std::string_view line);
+  // The answer to a line that cannot be carried out.
+  Message refuse(const std::string& why);
   // Carries out the command that the words name. Throws CommandError.
   Message run(WordReader& words) const;
 
   // Stops reading commands.
   void close() { closed_ = true; }
   bool closed() const { return closed_; }
-  // True when any command was answered with an error.
+  // True when any command was answered with an error other than the simulator's end.
   bool failed() const { return failed_; }
 
  private:

@@ -12,11 +12,11 @@
 namespace simulator {
 namespace {
 
-// True when the whole word is a number that fits.
+// True when the whole word is a number that fits. from_chars() reads infinity and NaN, too.
 template <typename Number>
 bool readNumber(std::string_view word, Number& number) {
   const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-  return error == std::errc() && end == word.data() + word.size();
+  return error == std::errc() && end == word.data() + word.size() && std::isfinite(number);
 }
 
 bool endsWith(std::string_view word, std::string_view suffix) {
@@ -104,7 +104,9 @@ std::string parseAddress(std::string_view word) {
 std::string parseIpv4Address(std::string_view word) {
   std::string address = parseAddress(word);
   in_addr host{};
-  if (inet_pton(AF_INET, address.substr(0, address.rfind(':')).c_str(), &host) != 1) {
+  const std::string name = address.substr(0, address.rfind(':'));
+  // inet_pton() reads only as far as a zero byte.
+  if (name.find('\0') != std::string::npos || inet_pton(AF_INET, name.c_str(), &host) != 1) {
     expected("an IPv4 address and a port, such as 127.0.0.1:26710", word);
   }
   return address;
@@ -112,6 +114,17 @@ std::string parseIpv4Address(std::string_view word) {
 
 bool isDuration(std::string_view word) {
   return !word.empty() && word.find_first_of("0123456789.") == 0 && word.back() == 's';
+}
+
+bool isNumber(std::string_view word) {
+  double number = 0;
+  return readNumber(word, number);
+}
+
+bool isKnownFeature(std::string_view word) {
+  int number = 0;
+  return find(features(), word) != nullptr ||
+         (readNumber(word, number) && !nameOf(features(), number).empty());
 }
 
 std::string alternatives(const std::vector<std::string_view>& words) {

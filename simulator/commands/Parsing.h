@@ -26,6 +26,10 @@ std::string parseIpv4Address(std::string_view word);  // HOST:PORT, the host in 
 
 // Whether a word is meant as a duration, valid or not.
 bool isDuration(std::string_view word);
+// Whether a word is a number, a fraction perhaps.
+bool isNumber(std::string_view word);
+// Whether a word is the name of a feature, or the number of one that has a name.
+bool isKnownFeature(std::string_view word);
 
 // "a, b or c"
 std::string alternatives(const std::vector<std::string_view>& words);

@@ -37,6 +37,9 @@ PressReports::PressReports(Peers& peers, bool force) : peers_(peers) {
 }
 
 void PressReports::add(Edge edge, int id) {
+  if (peers_.stop.isRaised()) {
+    throw Interrupted();
+  }
   const Message message = describe(peers_.recogniser.report(address_, edge, id));
   text_ += (text_.empty() ? "" : ", ") + message.sentence;
   records_.push_back(message.record);

@@ -16,6 +16,7 @@ class PressReports {
   // sent the address to report to.
   PressReports(Peers& peers, bool force);
 
+  // Throws Interrupted once the simulator shuts down.
   void add(Edge edge, int id);
   // All reports; the record also has the result of the last one as a field of its own.
   Message answer() const;

@@ -24,7 +24,7 @@ bool takeForce(WordReader& words) {
 
 void sleep(Peers& peers, milliseconds duration) {
   if (!peers.stop.sleep(duration)) {
-    throw CommandError(kShuttingDown);
+    throw Interrupted();
   }
 }
 

@@ -13,11 +13,23 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
+// A number at the end is more likely a time without its unit than a feature, unless it is known as one.
+void expectNoForgottenUnit(WordReader words) {
+  const std::string_view word = words.take();
+  if (words.done() && isNumber(word) && !isKnownFeature(word)) {
+    expected("a duration with its unit (such as 5s), or a feature (" +
+                 alternatives(namesOf(features())) +
+                 "; one without a name needs a duration after it)",
+             word);
+  }
+}
+
 Message wait(Peers& peers, WordReader& words) {
   constexpr milliseconds kLimit{10000};
   constexpr milliseconds kPollInterval{5};
   CallPattern wanted = takeRpc(words);
   if (hasFeature(wanted) && !words.done() && !isDuration(words.peek())) {
+    expectNoForgottenUnit(words);
     takeFeature(words, wanted);
   }
   const milliseconds limit = words.done() ? kLimit : parseDuration(words.take());
@@ -34,7 +46,7 @@ Message wait(Peers& peers, WordReader& words) {
                          durationText(limit));
     }
     if (!peers.stop.sleep(kPollInterval)) {
-      throw CommandError(kShuttingDown);
+      throw Interrupted();
     }
   }
 }
@@ -43,7 +55,7 @@ Message pause(Peers& peers, WordReader& words) {
   const milliseconds duration = parseDuration(words.take());
   words.expectEnd();
   if (!peers.stop.sleep(duration)) {
-    throw CommandError(kShuttingDown);
+    throw Interrupted();
   }
   return ok();
 }
@@ -62,16 +74,33 @@ Message showHistory(Peers& peers, WordReader& words) {
   return answer;
 }
 
+// The words follow "repeat N".
+void expectFewLevels(WordReader words) {
+  constexpr int kMaxLevels = 16;
+  for (int level = 1; words.takeIf("repeat"); ++level) {
+    if (level == kMaxLevels) {
+      throw SyntaxError("\"repeat\" can be nested " + std::to_string(kMaxLevels) +
+                        " levels deep at most");
+    }
+    words.take();
+  }
+}
+
 Message repeat(const Commands& commands, WordReader& words) {
   const int times = parseAtLeast(1, words.take(), "a number of times");
+  expectFewLevels(words);
   JsonObject last;
+  const auto where = [times](int round) {
+    return "repetition " + std::to_string(round) + " of " + std::to_string(times) + ": ";
+  };
   for (int round = 1; round <= times; ++round) {
     WordReader command = words;
     try {
       last = commands.run(command).record;
+    } catch (const Interrupted& end) {
+      throw Interrupted(where(round) + end.what());
     } catch (const CommandError& problem) {
-      throw CommandError("repetition " + std::to_string(round) + " of " + std::to_string(times) +
-                         ": " + problem.what());
+      throw CommandError(where(round) + problem.what());
     }
   }
   return ok(std::to_string(times) + (times == 1 ? " time" : " times"),
@@ -83,13 +112,16 @@ Message repeat(const Commands& commands, WordReader& words) {
 void addScriptCommands(Commands& commands, Peers& peers) {
   commands.add({"wait", "wait RPC [FEATURE] [TIME]",
                 "Wait for a matching call after the one that the last \"wait\" found. It is an "
-                "error if none arrives within TIME (10s by default).",
+                "error if none arrives within TIME (10s by default). A FEATURE that has no name, "
+                "such as 9, needs a TIME after it.",
                 with(peers, wait)});
   commands.add({"pause", "pause TIME", "Do nothing for TIME.", with(peers, pause)});
   commands.add({"history", "history",
                 "List all calls and all reports of presses and releases so far.",
                 with(peers, showHistory)});
-  commands.add({"repeat", "repeat N COMMAND", "Run a command N times; stop at the first error.",
+  commands.add({"repeat", "repeat N COMMAND",
+                "Run a command N times; stop at the first error. The command "
+                "may be another \"repeat\", up to 16 levels deep.",
                 [&](WordReader& words) { return repeat(commands, words); }});
 }
 

@@ -1,28 +1,26 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/WordReader.h"
 
-#include <sstream>
+#include <algorithm>
 
 #include "commands/Parsing.h"
 
 namespace simulator {
 
-WordReader::WordReader(const std::string& line) {
-  std::istringstream stream(line);
-  for (std::string word; stream >> word;) {
-    words_.push_back(word);
-  }
-}
-
 std::string_view WordReader::take() {
-  const std::string_view word = peek();
-  next_ += done() ? 0 : 1;
-  return word;
+  constexpr std::string_view kBlanks = " \t\n\v\f\r";
+  const std::string_view taken = word_;
+  rest_.remove_prefix(std::min(rest_.find_first_not_of(kBlanks), rest_.size()));
+  word_ = rest_.substr(0, rest_.find_first_of(kBlanks));
+  rest_.remove_prefix(word_.size());
+  return taken;
 }
 
 bool WordReader::takeIf(std::string_view word) {
   const bool matches = !done() && peek() == word;
-  next_ += matches ? 1 : 0;
+  if (matches) {
+    take();
+  }
   return matches;
 }
 

@@ -2,20 +2,19 @@
 #ifndef MURLINK_SIMULATOR_COMMANDS_WORD_READER_H
 #define MURLINK_SIMULATOR_COMMANDS_WORD_READER_H
 
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace simulator {
 
-// Splits a line into words and reads them from left to right.
+// Splits a line into words and reads them from left to right. The line must outlive it. A copy is
+// cheap and continues with the same word.
 class WordReader {
  public:
-  explicit WordReader(const std::string& line);
+  explicit WordReader(std::string_view line) : rest_(line) { take(); }
 
-  bool done() const { return next_ == words_.size(); }
+  bool done() const { return word_.empty(); }
   // The next word, empty at the end of the line.
-  std::string_view peek() const { return done() ? std::string_view() : words_[next_]; }
+  std::string_view peek() const { return word_; }
   std::string_view take();
   // Takes the next word if it is `word`.
   bool takeIf(std::string_view word);
@@ -23,8 +22,8 @@ class WordReader {
   void expectEnd() const;
 
  private:
-  std::vector<std::string> words_;
-  std::size_t next_ = 0;
+  std::string_view word_;
+  std::string_view rest_;  // what follows it
 };
 
 }  // namespace simulator

@@ -2,6 +2,7 @@
 #include "peers/DisplaySide.h"
 
 #include "Quarlo_TV_Server.grpc.pb.h"
+#include "common/Printable.h"
 #include "peers/Call.h"
 
 namespace simulator {
@@ -29,7 +30,7 @@ class DisplayService final : public zet::protobuf::app::Quarlo_TV_GRPC::Service 
                                             const StringMessage* request,
                                             StatusResponse* response) override {
     Call call{"display", "setFootTouchAPIServerAddress", {}, {}, {}, {}};
-    call.request = {request->s(), {{"address", request->s()}}};
+    call.request = {printable(request->s()), {{"address", request->s()}}};
     call.behave = [&] {
       peers_.display.setAddress(request->s());
       return 0;

@@ -73,6 +73,18 @@ TEST_F(Script, WaitsForACallForAFeature) {
   EXPECT_EQ(simulator.command("wait service_On foot-touch 1s").at("call").at("x"), 2);
 }
 
+TEST_F(Script, WaitsForACallForAFeatureWithoutAName) {
+  callRobot("press 9");
+
+  EXPECT_EQ(simulator.command("wait service_On 9 1s").at("call").at("x"), 9);
+}
+
+TEST_F(Script, WaitsForACallForTheNumberOfAFeature) {
+  callRobot("press 2");
+
+  EXPECT_EQ(simulator.command("wait service_On 2").at("call").at("x"), 2);
+}
+
 TEST_F(Script, FindsTheEffectOfTheCallThatItWaitedFor) {
   for (int round = 0; round < 50; ++round) {
     auto waiting = std::async(std::launch::async, [this] {
@@ -93,13 +105,39 @@ TEST_F(Script, FindsACallThatIsNeverAnswered) {
 }
 
 TEST(WaitingCommand, IsInterruptedByASignal) {
-  for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s"}) {
+  for (const char* command : {"wait any 1000s", "pause 1000s", "repeat 2 pause 1000s",
+                              "callback 127.0.0.1:1\nwalk 0 1 1000s --force"}) {
     SimulatorProcess simulator({"--robot", "off", "--display", "off"});
     simulator.command("state\n" + std::string(command));
     simulator.signal(SIGTERM);
 
-    EXPECT_EQ(simulator.waitForEnd(), 3) << command;
+    EXPECT_EQ(simulator.waitForEnd(), 0) << command;
   }
+}
+
+TEST(WaitingCommand, ThatIsInterruptedDoesNotHideAnEarlierError) {
+  SimulatorProcess simulator({"--robot", "off", "--display", "off"});
+  simulator.refusal("expect calls 1");
+  simulator.command("state\npause 1000s");
+  simulator.signal(SIGTERM);
+
+  EXPECT_EQ(simulator.waitForEnd(), 3);
+}
+
+TEST_F(Script, IsInterruptedByASignalBetweenTheReportsOfACommand) {
+  simulator::Layout layout;
+  for (int id = 0; id < 500; ++id) {
+    layout.push_back({id, 0, 1});
+  }
+  display.setButtons(layout);
+  const Json proxy = simulator.command("proxy 127.0.0.1:0 to " + simulator.address("robot"));
+  simulator.command("callback " + proxy.at("address").get<std::string>());
+  simulator.command("fault delay 100ms\ntouch 0.5 --force");
+  simulator.waitForEvent([](const Json& event) { return event.at("event") == "press"; });
+
+  simulator.signal(SIGTERM);
+
+  EXPECT_LT(durationOf([this] { EXPECT_EQ(simulator.waitForEnd(), 0); }), milliseconds(1500));
 }
 
 TEST_F(Script, PausesForTheGivenTime) {
@@ -198,6 +236,21 @@ TEST_F(Script, RepeatsACommand) {
   EXPECT_EQ(simulator.command("repeat 3 press 2 --force").at("times"), 3);
 
   simulator.command("expect calls 3 service_On foot-touch");
+}
+
+TEST(Repetition, CanBeNestedSixteenTimes) {
+  SimulatorProcess simulator({"--robot", "off", "--display", "off"});
+  const auto nested = [](int levels) {
+    std::string line;
+    for (int level = 0; level < levels; ++level) {
+      line += "repeat 1 ";
+    }
+    return line + "state";
+  };
+
+  EXPECT_NO_THROW(simulator.command(nested(16)));
+  EXPECT_THAT(simulator.refusal(nested(17)), HasSubstr("16 levels deep at most"));
+  EXPECT_THAT(simulator.refusal(nested(7000)), HasSubstr("16 levels deep at most"));
 }
 
 // ---- Files

@@ -50,6 +50,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"WhenWithWrongDuration", "when any any wait 3", "expected a duration"},
         Row{"WhenWithTooLongDuration", "when any any wait 3601s", "one hour at most"},
         Row{"WhenWithNegativeDuration", "when any any wait -1s", "expected a duration"},
+        Row{"WhenWithInfiniteDuration", "when any any wait infs", "expected a duration"},
         Row{"WhenWithWrongAnswer", "when any any answer x", "expected an answer (a whole"},
         Row{"WhenWithHugeAnswer", "when any any answer 2147483648", "expected an answer"},
         Row{"WhenWithStatusOk", "when any any fail OK", "expected a gRPC status (CANCELLED"},
@@ -69,6 +70,8 @@ INSTANTIATE_TEST_SUITE_P(
                       Row{"TapWithWrongTime", "tap 1 2", "expected a duration"},
                       Row{"TouchOutside", "touch 1.01", "expected a position (0 to 1)"},
                       Row{"TouchNan", "touch nan", "expected a position (0 to 1)"},
+                      Row{"WalkToInfinity", "walk 0 inf 1s", "expected a position (0 to 1)"},
+                      Row{"WalkForNan", "walk 0 1 -nan(0)s", "expected a duration"},
                       Row{"WalkWithoutTime", "walk 0 1", "expected a duration"},
                       Row{"CallbackWithoutPort", "callback 127.0.0.1", "expected HOST:PORT"}),
     rowName<Row>);
@@ -82,6 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"OffWithMore", "proxy off now", "expected the end of the line"},
         Row{"WithoutFault", "fault", "expected a fault (none, delay, reset"},
         Row{"DelayWithoutTime", "fault delay", "expected a duration"},
+        Row{"DelayOfNan", "fault delay nanms", "expected a duration"},
+        Row{"SlowNan", "fault slow nans", "expected a duration"},
         Row{"CutWithoutBytes", "fault cut close", "expected a number of bytes, 0 or more"}),
     rowName<Row>);
 
@@ -92,8 +97,12 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"WaitWithWrongFeature", "wait any hands", "expected a feature"},
         Row{"WaitWithWrongTime", "wait any any 3", "expected a duration"},
         Row{"WaitWithFeatureForTheDisplay", "wait setButtons gesture", "expected a duration"},
+        Row{"WaitWithoutUnit", "wait service_On 5", "a duration with its unit (such as 5s)"},
+        Row{"WaitWithoutUnitForAny", "wait any 0.5", "a duration with its unit (such as 5s)"},
         Row{"WaitWithMore", "wait any any 1s x", "expected the end of the line"},
         Row{"PauseWithoutTime", "pause", "expected a duration"},
+        Row{"PauseForNan", "pause nans", "expected a duration"},
+        Row{"PauseForAHugeTime", "pause 1e400s", "expected a duration"},
         Row{"ExpectWithoutSubject", "expect",
             "expected a value to check (state, calls, buttons, address or s)"},
         Row{"ExpectWithWrongCount", "expect calls -1", "a number of calls, 0 or more"},
