@@ -1,19 +1,103 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "common/Output.h"
 
-#include <ostream>
+#include <utility>
 
 namespace simulator {
+namespace {
+
+Message droppedEvents(std::size_t count) {
+  return {std::to_string(count) + (count == 1 ? " event was" : " events were") +
+              " dropped here: the output was not read in time",
+          {{"event", "dropped"}, {"count", count}}};
+}
+
+}  // namespace
+
+Output::Output(int descriptor, StopSignal& interrupt, Options options)
+    : options_(std::move(options)),
+      writer_(descriptor, interrupt),
+      thread_([this] { writeAll(); }) {}
+
+Output::~Output() {
+  finish();
+}
 
 void Output::printAnswer(const Message& answer) {
-  const std::string line = format_ == Format::Text ? answer.sentence : answer.record.text();
-  const std::lock_guard<std::mutex> lock(mutex_);
-  out_ << line << std::endl;
+  constexpr std::size_t kMaxAnswerBytes = 1 << 20;
+  std::string line = lineOf(answer);
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait(lock, [this] { return lines_.answerBytes() < kMaxAnswerBytes || closed_; });
+  if (!closed_) {
+    lines_.addAnswer(std::move(line));
+    changed_.notify_all();
+  }
 }
 
 void Output::printEvent(const Message& event) {
-  if (!quiet_) {
-    printAnswer(event);
+  if (options_.quiet) {
+    return;
+  }
+  std::string line = lineOf(event);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!closed_) {
+    lines_.addEvent(std::move(line));
+    changed_.notify_all();
+  }
+}
+
+std::optional<int> Output::finish() {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    closed_ = true;
+    changed_.notify_all();
+  }
+  if (thread_.joinable()) {
+    thread_.join();
+  }
+  return error_;
+}
+
+std::string Output::lineOf(const Message& message) const {
+  return (options_.format == Format::Text ? message.sentence : message.record.text()) + "\n";
+}
+
+void Output::writeAll() {
+  while (const auto line = takeLine()) {
+    if (const auto result = writer_.write(*line); result != FileWriter::Result::Written) {
+      stopWriting(result);
+      return;
+    }
+  }
+}
+
+// Waits for the next line; none when all have been taken and no more are accepted.
+std::optional<std::string> Output::takeLine() {
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait(lock, [this] { return !lines_.empty() || closed_; });
+  if (lines_.empty()) {
+    return std::nullopt;
+  }
+  if (const std::size_t dropped = lines_.takeDropped(); dropped > 0) {
+    return lineOf(droppedEvents(dropped));
+  }
+  std::string line = lines_.take();
+  changed_.notify_all();  // there may be room for an answer
+  return line;
+}
+
+void Output::stopWriting(FileWriter::Result result) {
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    closed_ = true;
+    lines_.clear();
+    if (result == FileWriter::Result::Failed) {
+      error_ = writer_.error();
+    }
+    changed_.notify_all();
+  }
+  if (result == FileWriter::Result::Failed) {
+    options_.on_failure();
   }
 }
 

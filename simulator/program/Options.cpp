@@ -5,6 +5,7 @@
 
 #include "commands/CommandError.h"
 #include "commands/Parsing.h"
+#include "common/Printable.h"
 
 namespace simulator {
 namespace {
@@ -16,7 +17,7 @@ std::string checkAddress(const std::string& address) {
     }
     return "";
   } catch (const SyntaxError&) {
-    return "\"" + address +
+    return "\"" + printable(address) +
            "\" is not HOST:PORT, such as 127.0.0.1:26710 (port 0 selects a free port), or off";
   }
 }
@@ -30,7 +31,7 @@ void defineSide(CLI::App& app, const char* name, std::string& address, const cha
 
 }  // namespace
 
-std::optional<ExitCode> Options::parse(int argc, char** argv) {
+std::optional<ExitCode> Options::parse(int argc, char** argv, std::ostream& help) {
   CLI::App app(
       "Simulates the peers of libmurlink-robot: the robot side, the display side, and the "
       "recogniser that reports presses of buttons.",
@@ -47,11 +48,11 @@ std::optional<ExitCode> Options::parse(int argc, char** argv) {
   app.footer(
       "Commands are read from standard input, one per line; \"help\" explains them.\n"
       "Exit codes: 0 success, 1 wrong usage or unreadable file, 2 cannot listen on an "
-      "address, 3 a command was answered with an error.");
+      "address, 3 a command was answered with an error, 4 output cannot be written.");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kSuccess : kWrongUsage;
+    return app.exit(error, help) == 0 ? kSuccess : kWrongUsage;
   }
   return std::nullopt;
 }

@@ -2,12 +2,19 @@
 #ifndef MURLINK_SIMULATOR_PROGRAM_OPTIONS_H
 #define MURLINK_SIMULATOR_PROGRAM_OPTIONS_H
 
+#include <iosfwd>
 #include <optional>
 #include <string>
 
 namespace simulator {
 
-enum ExitCode { kSuccess = 0, kWrongUsage = 1, kCannotListen = 2, kCommandFailed = 3 };
+enum ExitCode {
+  kSuccess = 0,
+  kWrongUsage = 1,
+  kCannotListen = 2,
+  kCommandFailed = 3,
+  kCannotWrite = 4
+};
 
 // Stands for the address of a side that is not played.
 constexpr const char* kOff = "off";
@@ -22,8 +29,8 @@ struct Options {
   bool stay = false;
 
   // Fills in the options. Returns an exit code when the program is to end at once: after --help,
-  // or when the command line is wrong. Prints the help or the reason.
-  std::optional<ExitCode> parse(int argc, char** argv);
+  // or when the command line is wrong. Prints the reason; writes the help to `help`.
+  std::optional<ExitCode> parse(int argc, char** argv, std::ostream& help);
 };
 
 }  // namespace simulator

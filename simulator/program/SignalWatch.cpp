@@ -3,17 +3,19 @@
 
 #include <pthread.h>
 
+#include <utility>
+
 namespace simulator {
 
-SignalWatch::SignalWatch(StopSignal& stop) {
+SignalWatch::SignalWatch(std::function<void()> on_signal) {
   sigemptyset(&signals_);
   sigaddset(&signals_, SIGTERM);
   sigaddset(&signals_, SIGINT);
   pthread_sigmask(SIG_BLOCK, &signals_, nullptr);
-  thread_ = std::thread([this, &stop] {
+  thread_ = std::thread([this, on_signal = std::move(on_signal)] {
     int signal = 0;
     sigwait(&signals_, &signal);
-    stop.raise();
+    on_signal();
   });
 }
 

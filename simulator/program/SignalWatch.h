@@ -3,17 +3,16 @@
 #define MURLINK_SIMULATOR_PROGRAM_SIGNAL_WATCH_H
 
 #include <csignal>
+#include <functional>
 #include <thread>
-
-#include "common/StopSignal.h"
 
 namespace simulator {
 
-// Raises the stop signal on SIGTERM and SIGINT. Must be created before any other thread, because
-// threads inherit the blocked signals.
+// Calls a function once: on SIGTERM or SIGINT, or when it is destroyed. Must be created before any other
+// thread, because threads inherit the blocked signals.
 class SignalWatch {
  public:
-  explicit SignalWatch(StopSignal& stop);
+  explicit SignalWatch(std::function<void()> on_signal);
   ~SignalWatch();
   SignalWatch(const SignalWatch&) = delete;
   SignalWatch& operator=(const SignalWatch&) = delete;

@@ -8,10 +8,13 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <sstream>
+#include <string>
 #include <system_error>
 
 #include "commands/CommandGroups.h"
 #include "common/Output.h"
+#include "common/Printable.h"
 #include "common/StopSignal.h"
 #include "peers/DisplaySide.h"
 #include "peers/RobotSide.h"
@@ -69,46 +72,97 @@ void printReady(Output& output, const char* side, const PeerServer* server) {
   }
 }
 
-ExitCode run(const Options& options) {
-  const Script script = openScript(options.script);
-  Output output(std::cout, options.json ? Output::Format::Json : Output::Format::Text,
-                options.quiet);
-  StopSignal stop;
+// Interrupts everything that waits when the scope ends: a server can only shut down once its handlers
+// have returned.
+class StopAtEnd {
+ public:
+  explicit StopAtEnd(StopSignal& stop) : stop_(stop) {}
+  ~StopAtEnd() { stop_.raise(); }
+  StopAtEnd(const StopAtEnd&) = delete;
+  StopAtEnd& operator=(const StopAtEnd&) = delete;
+
+ private:
+  StopSignal& stop_;
+};
+
+// Plays the peers until the end of the input, "quit" or the stop signal.
+ExitCode play(const Options& options, std::FILE* script, Output& output, StopSignal& stop) {
   Peers peers{output, stop};
   ProxyList proxies;
-  const SignalWatch watch(stop);
   const auto robot = start<RobotSide>(options.robot, peers);
   const auto display = start<DisplaySide>(options.display, peers);
+  const StopAtEnd stop_at_end(stop);
   printReady(output, "robot", robot.get());
   printReady(output, "display", display.get());
 
   Commands commands(stop);
   addCommands(commands, peers, proxies);
   if (script != nullptr) {
-    execute(fileno(script.get()), commands, output, stop);
+    execute(fileno(script), commands, output, stop);
   }
   execute(STDIN_FILENO, commands, output, stop);
   if (options.stay && !commands.closed()) {
     while (stop.sleep(std::chrono::hours(1))) {
     }
   }
-  stop.raise();  // a server can only shut down once its waiting handlers have returned
   return commands.failed() ? kCommandFailed : kSuccess;
+}
+
+// The output cannot be written; what() says why.
+class CannotWrite : public std::system_error {
+  using std::system_error::system_error;
+};
+
+// Throws CannotWrite.
+void finish(Output& output) {
+  if (const auto error = output.finish()) {
+    throw CannotWrite(*error, std::generic_category(), "cannot write the output");
+  }
+}
+
+ExitCode run(const Options& options) {
+  const Script script = openScript(options.script);
+  StopSignal stop;       // at any end
+  StopSignal interrupt;  // only at an end by SIGTERM or SIGINT: what was printed may be lost
+  const SignalWatch watch([&] {
+    interrupt.raise();
+    stop.raise();
+  });
+  Output output(STDOUT_FILENO, interrupt,
+                {options.json ? Output::Format::Json : Output::Format::Text, options.quiet,
+                 [&stop] { stop.raise(); }});
+  const ExitCode result = play(options, script.get(), output, stop);
+  finish(output);
+  return result;
+}
+
+void print(std::string text) {
+  text.pop_back();  // the output ends the last line
+  StopSignal never;
+  Output output(STDOUT_FILENO, never, {});
+  output.printAnswer({text, {}});
+  finish(output);
 }
 
 // Prints an error and returns its exit code.
 ExitCode fail(const std::exception& error, ExitCode code) {
-  std::cerr << "murlink-simulator: " << error.what() << "\n";
+  std::cerr << "murlink-simulator: " << printable(error.what()) << "\n";
   return code;
 }
 
 ExitCode runProgram(int argc, char** argv) {
   try {
     Options options;
-    const auto end = options.parse(argc, argv);
+    std::ostringstream help;
+    const auto end = options.parse(argc, argv, help);
+    if (!help.str().empty()) {
+      print(help.str());
+    }
     return end ? *end : run(options);
   } catch (const CannotListen& error) {
     return fail(error, kCannotListen);
+  } catch (const CannotWrite& error) {
+    return fail(error, kCannotWrite);
   } catch (const std::exception& error) {
     return fail(error, kWrongUsage);
   }

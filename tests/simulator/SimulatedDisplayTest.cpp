@@ -4,14 +4,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include <functional>
 
 #include "DurationOf.h"
 #include "Events.h"
+#include "ReadToEnd.h"
 #include "SimulatorClient.h"
 #include "peers/DisplaySide.h"
 #include "support/RowName.h"
 #include "support/SimulatorProcess.h"
+#include "support/Spawn.h"
 
 namespace {
 
@@ -82,20 +84,36 @@ TEST_F(SimulatedDisplay, ReportsEveryCallAndItsReply) {
                                                    {"s", 0}}));
 }
 
-TEST(TextOfACall, ShowsTheLayout) {
-  std::ostringstream out;
-  simulator::Output output(out, simulator::Output::Format::Text, false);
-  simulator::StopSignal stop;
-  simulator::Peers peers{output, stop};
+// What the display side prints during calls.
+std::string printedDuring(const std::function<void(SimulatorClient&)>& call) {
+  Pipe pipe;
   {
+    simulator::StopSignal stop;
+    simulator::Output output(pipe.writeEnd(), stop, {});
+    simulator::Peers peers{output, stop};
     const simulator::DisplaySide display("127.0.0.2:0", peers);
-    SimulatorClient(display.address()).setButtons(kTwo);
+    SimulatorClient library(display.address());
+    call(library);
   }
+  return readToEnd(pipe);
+}
 
-  EXPECT_THAT(out.str(), StartsWith("call 1: setButtons with 2 buttons from 127."));
-  EXPECT_THAT(out.str(), HasSubstr("s\n0 [-1--].........................."));
-  EXPECT_THAT(out.str(), HasSubstr("\n          1  0               0.1\n"));
-  EXPECT_THAT(out.str(), EndsWith("\n          2  0.5             1\nreply 1: s=0\n"));
+TEST(TextOfACall, ShowsTheLayout) {
+  const std::string text =
+      printedDuring([](SimulatorClient& library) { library.setButtons(kTwo); });
+
+  EXPECT_THAT(text, StartsWith("call 1: setButtons with 2 buttons from 127."));
+  EXPECT_THAT(text, HasSubstr("s\n0 [-1--].........................."));
+  EXPECT_THAT(text, HasSubstr("\n          1  0               0.1\n"));
+  EXPECT_THAT(text, EndsWith("\n          2  0.5             1\nreply 1: s=0\n"));
+}
+
+TEST(TextOfACall, EscapesControlCharacters) {
+  const std::string text =
+      printedDuring([](SimulatorClient& library) { library.setAddress("\x1b[2J\nreply 1: s=0"); });
+
+  EXPECT_THAT(text, StartsWith("call 1: setFootTouchAPIServerAddress "
+                               "\\x1b[2J\\x0areply 1: s=0 from 127."));
 }
 
 // ---- With rules
