@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // murlink-simulator: the peers of the library, on a PC.
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <system_error>
@@ -21,6 +23,7 @@
 #include "program/LineInput.h"
 #include "program/Options.h"
 #include "program/SignalWatch.h"
+#include "program/StandardStreams.h"
 
 namespace simulator {
 namespace {
@@ -35,6 +38,14 @@ void addCommands(Commands& commands, Peers& peers, ProxyList& proxies) {
   addGeneralCommands(commands);
 }
 
+std::optional<Message> answerTo(const LineInput::Line& line, Commands& commands) {
+  if (line.too_long) {
+    return commands.refuse("a line can have " + std::to_string(LineInput::kMaxLength) +
+                           " bytes at most");
+  }
+  return commands.execute(line.text);
+}
+
 void execute(int descriptor, Commands& commands, Output& output, StopSignal& stop) {
   LineInput input(descriptor, stop);
   while (!commands.closed()) {
@@ -42,7 +53,7 @@ void execute(int descriptor, Commands& commands, Output& output, StopSignal& sto
     if (!line) {
       return;
     }
-    if (const auto answer = commands.execute(*line)) {
+    if (const auto answer = answerTo(*line, commands)) {
       output.printAnswer(*answer);
     }
   }
@@ -52,9 +63,20 @@ void execute(int descriptor, Commands& commands, Output& output, StopSignal& sto
 using Script = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
 Script openScript(const std::string& path) {
-  Script script(path.empty() ? nullptr : std::fopen(path.c_str(), "re"), std::fclose);
-  if (!path.empty() && script == nullptr) {
-    throw std::system_error(errno, std::generic_category(), "cannot read " + path);
+  if (path.empty()) {
+    return {nullptr, std::fclose};
+  }
+  const auto fail = [&path](int error) {
+    throw std::system_error(error, std::generic_category(), "cannot read " + path);
+  };
+  Script script(std::fopen(path.c_str(), "re"), std::fclose);
+  if (script == nullptr) {
+    fail(errno);
+  }
+  // fopen() opens a folder, too; only reading it fails.
+  struct stat file {};
+  if (fstat(fileno(script.get()), &file) == 0 && S_ISDIR(file.st_mode)) {
+    fail(EISDIR);
   }
   return script;
 }
@@ -172,6 +194,7 @@ ExitCode runProgram(int argc, char** argv) {
 }  // namespace simulator
 
 int main(int argc, char** argv) {
+  simulator::openClosedStandardStreams(argv);
   // gRPC logs a taken port, too, less clearly than our own message.
   setenv("GRPC_VERBOSITY", "NONE", 0);
   // The reader of the output may end first.

@@ -3,15 +3,20 @@
 // to the tests of the peers, wrong commands to WrongCommandTest.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 #include <future>
 
 #include "DurationOf.h"
 #include "Events.h"
 #include "RunSimulator.h"
 #include "SimulatorClient.h"
+#include "support/RawConnection.h"
 #include "support/SimulatorProcess.h"
+#include "support/Spawn.h"
+#include "support/Within.h"
 
 namespace {
 
@@ -79,6 +84,20 @@ TEST(TextOutput, HasOneLinePerAnswer) {
                                          "error: expected a command \\(.*\\), found \"wehn\"\n"
                                          "ok 9 on\n"
                                          "ok gesture off, foot-touch off, 9 on\n"));
+}
+
+TEST(TextOutput, EscapesControlCharactersInWords) {
+  EXPECT_THAT(runScript("\x1b[2J\n").out, EndsWith("found \"\\x1b[2J\"\n"));
+  EXPECT_EQ(runScript("callback a\x07:1\n").out, "ok a\\x07:1\n");
+  EXPECT_EQ(runScript("callback \x7f:1\nexpect address none\n").out,
+            "ok \\x7f:1\n"
+            "error: the address for presses should be none but is \\x7f:1\n");
+}
+
+TEST(JsonOutput, KeepsControlCharactersInWords) {
+  SimulatorProcess robot(kRobotOnly);
+
+  EXPECT_THAT(robot.refusal("\x1b[2J"), EndsWith("found \"\x1b[2J\""));
 }
 
 TEST(TextOutput, OfHelpEndsWithItsAnswer) {
@@ -195,6 +214,88 @@ TEST(Simulator, RefusesWrongOptions) {
     EXPECT_EQ(finished.exit_code, 1);
     EXPECT_THAT(finished.err, HasSubstr("is not HOST:PORT"));
   }
+}
+
+TEST(Simulator, RefusesAFolderAsAScriptBeforeItListens) {
+  const Finished finished = runSimulator({"--script", "/"});
+
+  EXPECT_EQ(finished.exit_code, 1);
+  EXPECT_EQ(finished.out, "");
+  EXPECT_EQ(finished.err, "murlink-simulator: cannot read /: Is a directory\n");
+}
+
+// ---- Standard streams
+
+// Runs it with both sides off and with its streams redirected as in a shell.
+Finished runRedirected(const std::string& options) {
+  return runToEnd({"sh", "-c", "exec " MURLINK_SIMULATOR " --robot off --display off " + options},
+                  {}, std::chrono::seconds(10));
+}
+
+// At its usual address.
+bool robotListens() {
+  try {
+    RawConnection(MURLINK_ROBOT_HOST, 26710);
+    return true;
+  } catch (const std::system_error&) {
+    return false;
+  }
+}
+
+int exitCodeOf(pid_t simulator) {
+  return waitForExit(simulator, std::chrono::steady_clock::now() + std::chrono::seconds(10));
+}
+
+TEST(StandardInput, MayBeginWithAByteOrderMark) {
+  EXPECT_EQ(runRedirected("<<end\n\xef\xbb\xbfstate\nend\n").out,
+            "ok gesture off, foot-touch off\n");
+}
+
+TEST(StandardInput, ThatIsClosedIsAtItsEnd) {
+  const Finished finished = runRedirected("<&-");
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.err, "");
+}
+
+TEST(StandardStreams, ThatAreClosedAreNotReplacedByOtherFiles) {
+  Pipe in;
+  const pid_t simulator = spawn({"sh", "-c", "exec " MURLINK_SIMULATOR " --stay <&- >&- 2>&-"}, {},
+                                {in.readEnd(), STDOUT_FILENO, STDERR_FILENO});
+  EXPECT_TRUE(within10s(robotListens));
+
+  const std::string folder = "/proc/" + std::to_string(simulator) + "/fd/";
+  for (const char* descriptor : {"0", "1", "2"}) {
+    EXPECT_EQ(std::filesystem::read_symlink(folder + descriptor), "/dev/null");
+  }
+
+  kill(simulator, SIGTERM);
+  EXPECT_EQ(exitCodeOf(simulator), 0);
+}
+
+TEST(StandardOutput, ThatCannotBeWrittenEndsTheSimulatorWithItsOwnExitCode) {
+  for (const char* options : {"<<end >/dev/full\nexpect calls 1\nend\n", "--help >/dev/full",
+                              "--stay <<end >/dev/full\nstate\nend\n"}) {
+    const Finished finished = runRedirected(options);
+
+    EXPECT_EQ(finished.exit_code, 4) << options;
+    EXPECT_EQ(finished.err,
+              "murlink-simulator: cannot write the output: No space left on device\n");
+  }
+}
+
+TEST(StandardOutput, WhoseReaderHasLeftIsNoFailure) {
+  Pipe in;
+  Pipe out;
+  out.closeReadEnd();
+  const pid_t simulator = spawn({MURLINK_SIMULATOR, "--display", "off"}, {},
+                                {in.readEnd(), out.writeEnd(), STDERR_FILENO});
+  EXPECT_TRUE(within10s(robotListens));
+
+  EXPECT_EQ(SimulatorClient(MURLINK_ROBOT_HOST ":26710").serviceOn(kGesture), kDone);
+
+  in.closeWriteEnd();
+  EXPECT_EQ(exitCodeOf(simulator), 0);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <future>
 
 #include "DurationOf.h"
@@ -258,6 +259,33 @@ TEST(Repetition, CanBeNestedSixteenTimes) {
 TEST(ScriptFile, DecidesTheExitCode) {
   EXPECT_EQ(runScript("expect calls 0\n").exit_code, 0);
   EXPECT_EQ(runScript("expect calls 1\nexpect calls 0\n").exit_code, 3);
+}
+
+TEST(ScriptFile, MayBeginWithAByteOrderMark) {
+  EXPECT_EQ(runScript("\xef\xbb\xbf"
+                      "expect calls 0\n")
+                .exit_code,
+            0);
+}
+
+TEST(ScriptFile, WithALineThatIsTooLongContinuesWithTheNextLine) {
+  const std::string longest(65536, '#');
+
+  const Finished finished = runScript(longest + "\n#" + longest + "\nstate\n");
+
+  EXPECT_EQ(finished.out,
+            "error: a line can have 65536 bytes at most\n"
+            "ok gesture off, foot-touch off\n");
+  EXPECT_EQ(finished.exit_code, 3);
+}
+
+TEST(ScriptFile, IsReadInTimeHoweverLongALineIs) {
+  const OwnFolder folder;
+  const std::string script = folder.file("script", "");
+  std::filesystem::resize_file(script, 256'000'000);
+
+  EXPECT_EQ(runSimulator({"--robot", "off", "--display", "off", "--script", script}).out,
+            "error: a line can have 65536 bytes at most\n");
 }
 
 TEST(ScriptFile, PrintsOneLinePerEventOfTheHistory) {
