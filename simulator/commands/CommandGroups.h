@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Adds the commands, group by group. All objects passed in must outlive the commands.
+// Adds the commands, all or group by group. All objects passed in must outlive the commands.
 #ifndef MURLINK_SIMULATOR_COMMANDS_COMMAND_GROUPS_H
 #define MURLINK_SIMULATOR_COMMANDS_COMMAND_GROUPS_H
 
@@ -8,6 +8,8 @@
 #include "peers/Peers.h"
 
 namespace simulator {
+
+void addAllCommands(Commands& commands, Peers& peers, ProxyList& proxies);
 
 void addPeerCommands(Commands& commands, Peers& peers);  // when, clear, state, set, layout
 void addResetCommand(Commands& commands, Peers& peers, ProxyList& proxies);

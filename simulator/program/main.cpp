@@ -28,16 +28,6 @@
 namespace simulator {
 namespace {
 
-void addCommands(Commands& commands, Peers& peers, ProxyList& proxies) {
-  addPeerCommands(commands, peers);
-  addResetCommand(commands, peers, proxies);
-  addRecogniserCommands(commands, peers);
-  addProxyCommands(commands, proxies);
-  addScriptCommands(commands, peers);
-  addExpectCommand(commands, peers);
-  addGeneralCommands(commands);
-}
-
 std::optional<Message> answerTo(const LineInput::Line& line, Commands& commands) {
   if (line.too_long) {
     return commands.refuse("a line can have " + std::to_string(LineInput::kMaxLength) +
@@ -118,7 +108,7 @@ ExitCode play(const Options& options, std::FILE* script, Output& output, StopSig
   printReady(output, "display", display.get());
 
   Commands commands(stop);
-  addCommands(commands, peers, proxies);
+  addAllCommands(commands, peers, proxies);
   if (script != nullptr) {
     execute(fileno(script), commands, output, stop);
   }
