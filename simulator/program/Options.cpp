@@ -36,6 +36,8 @@ std::optional<ExitCode> Options::parse(int argc, char** argv, std::ostream& help
       "Simulates the peers of libmurlink-robot: the robot side, the display side, and the "
       "recogniser that reports presses of buttons.",
       "murlink-simulator");
+  app.set_version_flag("--version", "murlink-simulator " MURLINK_VERSION,
+                       "Print the version and exit");
   defineSide(app, "--robot", robot, "address of the robot side");
   defineSide(app, "--display", display, "address of the display side");
   app.add_option("--script", script, "file of commands to run before those from standard input")

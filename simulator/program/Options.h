@@ -28,8 +28,8 @@ struct Options {
   bool quiet = false;
   bool stay = false;
 
-  // Fills in the options. Returns an exit code when the program is to end at once: after --help,
-  // or when the command line is wrong. Prints the reason; writes the help to `help`.
+  // Fills in the options. Returns an exit code when the program is to end at once: after --help
+  // and --version, or when the command line is wrong. Prints the reason; writes the help to `help`.
   std::optional<ExitCode> parse(int argc, char** argv, std::ostream& help);
 };
 

@@ -261,6 +261,13 @@ TEST(StandardInput, ThatIsClosedIsAtItsEnd) {
 TEST(StandardStreams, ThatAreClosedAreNotReplacedByOtherFiles) {
   Pipe in;
   const pid_t simulator = spawn({"sh", "-c", "exec " MURLINK_SIMULATOR " --stay <&- >&- 2>&-"}, {},
+TEST(Simulator, PrintsItsVersion) {
+  const Finished finished = runSimulator({"--version"});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.out, "murlink-simulator " MURLINK_VERSION "\n");
+}
+
                                 {in.readEnd(), STDOUT_FILENO, STDERR_FILENO});
   EXPECT_TRUE(within10s(robotListens));
 
