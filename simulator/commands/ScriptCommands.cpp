@@ -65,7 +65,7 @@ Message showHistory(Peers& peers, WordReader& words) {
   std::string lines;
   std::vector<JsonObject> records;
   for (const Message& event : peers.history.events()) {
-    lines += "  " + event.sentence + "\n";
+    lines += "  " + event.time + event.sentence + "\n";
     records.push_back(event.record);
   }
   Message answer = ok(std::to_string(records.size()) + (records.size() == 1 ? " event" : " events"),

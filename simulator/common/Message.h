@@ -12,6 +12,7 @@ namespace simulator {
 struct Message {
   std::string sentence;
   JsonObject record;
+  std::string time{};  // of an event, to be printed before the sentence; empty for an answer
 };
 
 }  // namespace simulator

@@ -59,7 +59,9 @@ std::optional<int> Output::finish() {
 }
 
 std::string Output::lineOf(const Message& message) const {
-  return (options_.format == Format::Text ? message.sentence : message.record.text()) + "\n";
+  return (options_.format == Format::Text ? message.time + message.sentence
+                                          : message.record.text()) +
+         "\n";
 }
 
 void Output::writeAll() {
@@ -79,7 +81,7 @@ std::optional<std::string> Output::takeLine() {
     return std::nullopt;
   }
   if (const std::size_t dropped = lines_.takeDropped(); dropped > 0) {
-    return lineOf(droppedEvents(dropped));
+    return lineOf(clock_.stamped(droppedEvents(dropped)));
   }
   std::string line = lines_.take();
   changed_.notify_all();  // there may be room for an answer

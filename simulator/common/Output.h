@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "common/EventClock.h"
 #include "common/FileWriter.h"
 #include "common/LineQueue.h"
 #include "common/Message.h"
@@ -38,6 +39,9 @@ class Output {
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
 
+  // For every event that is printed. Starts with the output.
+  const EventClock& clock() const { return clock_; }
+
   // Never dropped. While a megabyte of answers waits for the reader, this waits, too.
   void printAnswer(const Message& answer);
   // Never waits.
@@ -49,6 +53,7 @@ class Output {
 
  private:
   const Options options_;
+  const EventClock clock_;
   std::mutex mutex_;
   std::condition_variable changed_;
   LineQueue lines_{kMaxEvents};

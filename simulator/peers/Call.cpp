@@ -98,8 +98,9 @@ grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& c
                     StatusResponse& response) {
   const int number = ++peers.calls;
   const Action action = peers.rules.take(call.rpc, call.feature);
-  const Message arrival = callEvent(number, call, context);
-  peers.output.printEvent({arrival.sentence + call.drawing, arrival.record});
+  const EventClock& clock = peers.output.clock();
+  const Message arrival = clock.stamped(callEvent(number, call, context));
+  peers.output.printEvent({arrival.sentence + call.drawing, arrival.record, arrival.time});
 
   // When "wait" finds a call that is answered at once, the call has already taken effect. A call that a
   // rule delays is found when it arrives.
@@ -111,7 +112,7 @@ grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& c
   if (at_once) {
     peers.history.addCall(call.rpc, call.feature, arrival);
   }
-  peers.output.printEvent(replyEvent(number, call, reply.message));
+  peers.output.printEvent(clock.stamped(replyEvent(number, call, reply.message)));
   return reply.status;
 }
 

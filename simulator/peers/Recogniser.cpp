@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cmath>
 #include <sstream>
+#include <utility>
 
 #include "Quarlo_RB_Server.grpc.pb.h"
 #include "common/Output.h"
@@ -124,6 +125,7 @@ void Recogniser::publish(const Press& press) {
   record.update(message.record);
   record.set("ms", std::round(press.milliseconds * 100) / 100);
   message.record = record;
+  message = output_.clock().stamped(std::move(message));
   output_.printEvent(message);
   history_.addPress(message);
 }

@@ -79,8 +79,9 @@ std::unique_ptr<PeerServer> start(const std::string& address, Peers& peers) {
 
 void printReady(Output& output, const char* side, const PeerServer* server) {
   if (server != nullptr) {
-    output.printAnswer({std::string(side) + " side ready on " + server->address(),
-                        {{"event", "ready"}, {"side", side}, {"address", server->address()}}});
+    output.printAnswer(output.clock().stamped(
+        {std::string(side) + " side ready on " + server->address(),
+         {{"event", "ready"}, {"side", side}, {"address", server->address()}}}));
   }
 }
 

@@ -15,6 +15,7 @@
 #include <system_error>
 
 #include "DurationOf.h"
+#include "Events.h"
 #include "ReadToEnd.h"
 #include "common/LineQueue.h"
 #include "common/Output.h"
@@ -128,8 +129,9 @@ TEST_P(UnreadEvents, AreDroppedBeyondALimitAndCounted) {
 
   ASSERT_GT(lines.size(), Output::kMaxEvents);
   const std::size_t before = lines.size() - 1 - Output::kMaxEvents;  // the pipe had room for these
-  EXPECT_EQ(lines[before], std::regex_replace(GetParam().notice, std::regex("N"),
-                                              std::to_string(kAll - before - Output::kMaxEvents)));
+  EXPECT_EQ(withoutTimes(lines[before]),
+            std::regex_replace(GetParam().notice, std::regex("N"),
+                               std::to_string(kAll - before - Output::kMaxEvents)));
   EXPECT_THAT(lines[before - 1], StartsWith(GetParam().event));
   EXPECT_EQ(lines.back(), GetParam().last);
 }

@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <ctime>
 #include <filesystem>
 #include <future>
+#include <iomanip>
+#include <sstream>
 
 #include "DurationOf.h"
 #include "Events.h"
@@ -32,6 +35,10 @@ constexpr int kGesture = SimulatorClient::kGesture;
 const Answer kDone{grpc::OK, 0};
 
 const std::vector<std::string> kRobotOnly{"--robot", "127.0.0.1:0", "--display", "off"};
+
+const std::string kIsoTime = "[0-9-]+T[0-9:]+\\.[0-9][0-9][0-9]Z";
+// In front of an event.
+const std::string kTime = R"(\[ *[0-9]+\.[0-9][0-9][0-9]\] )";
 
 // ---- Commands
 
@@ -78,12 +85,13 @@ TEST(TextOutput, HasOneLinePerAnswer) {
       "state",  // the last line may lack its newline
       "127.0.0.1:0");
 
-  EXPECT_THAT(finished.out, MatchesRegex("robot side ready on 127\\.0\\.0\\.1:[0-9]+\n"
-                                         "ok when service_On gesture wait 1\\.5s answer 3 once\n"
-                                         "ok when any any never always\n"
-                                         "error: expected a command \\(.*\\), found \"wehn\"\n"
-                                         "ok 9 on\n"
-                                         "ok gesture off, foot-touch off, 9 on\n"));
+  EXPECT_THAT(finished.out,
+              MatchesRegex(kTime + "robot side ready on 127\\.0\\.0\\.1:[0-9]+\n"
+                                   "ok when service_On gesture wait 1\\.5s answer 3 once\n"
+                                   "ok when any any never always\n"
+                                   "error: expected a command \\(.*\\), found \"wehn\"\n"
+                                   "ok 9 on\n"
+                                   "ok gesture off, foot-touch off, 9 on\n"));
 }
 
 TEST(TextOutput, EscapesControlCharactersInWords) {
@@ -92,6 +100,55 @@ TEST(TextOutput, EscapesControlCharactersInWords) {
   EXPECT_EQ(runScript("callback \x7f:1\nexpect address none\n").out,
             "ok \\x7f:1\n"
             "error: the address for presses should be none but is \\x7f:1\n");
+}
+
+TEST(TextOutput, HasTheTimeOfEveryEventInAColumnOfItsOwn) {
+  const Finished finished = runScript(
+      "callback 127.0.0.1:1\n"
+      "pause 100ms\n"
+      "press 1 --force\n"
+      "history\n",
+      "127.0.0.1:0");
+
+  EXPECT_THAT(finished.out, MatchesRegex(kTime +
+                                         "robot side ready on .*\n"
+                                         "ok 127.0.0.1:1\n"
+                                         "ok\n" +
+                                         kTime +
+                                         "press 1: UNAVAILABLE in [0-9.]+ ms\n"
+                                         "ok press 1: UNAVAILABLE\n"
+                                         "  " +
+                                         kTime +
+                                         "press 1: UNAVAILABLE in [0-9.]+ ms\n"
+                                         "ok 1 event\n"));
+  const std::size_t press = finished.out.find("press 1");
+  EXPECT_EQ(finished.out.find("robot side"), 12U);
+  EXPECT_EQ(press - finished.out.rfind('\n', press) - 1, 12U);
+}
+
+TEST(JsonOutput, HasTheTimeOfEveryEvent) {
+  SimulatorProcess robot(kRobotOnly);
+  const auto day = std::chrono::system_clock::now();
+  robot.command("pause 100ms");
+  SimulatorClient(robot.address("robot")).serviceOn(kGesture);
+
+  const Json ready = robot.waitForEvent([](const Json&) { return true; });
+  const Json call = robot.calls().at(0);
+
+  EXPECT_GE(call.at("since_start").get<double>() - ready.at("since_start").get<double>(), 0.1);
+  EXPECT_THAT(call.at("time").get<std::string>(), MatchesRegex(kIsoTime));
+  EXPECT_GE(call.at("time"), ready.at("time"));
+  const std::time_t earliest = std::chrono::system_clock::to_time_t(day);
+  std::ostringstream expected;
+  expected << std::put_time(std::gmtime(&earliest), "%FT%T");
+  EXPECT_GE(call.at("time").get<std::string>(), expected.str());
+  EXPECT_EQ(robot.command("history").at("events").at(0), call);
+}
+
+TEST(JsonOutput, HasNoTimeInAnAnswer) {
+  SimulatorProcess robot(kRobotOnly);
+
+  EXPECT_FALSE(robot.command("state").contains("time"));
 }
 
 TEST(JsonOutput, KeepsControlCharactersInWords) {
@@ -204,6 +261,13 @@ TEST(Simulator, ExplainsItsOptions) {
                     HasSubstr("--json"), HasSubstr("--stay"), HasSubstr("Exit codes")));
 }
 
+TEST(Simulator, PrintsItsVersion) {
+  const Finished finished = runSimulator({"--version"});
+
+  EXPECT_EQ(finished.exit_code, 0);
+  EXPECT_EQ(finished.out, "murlink-simulator " MURLINK_VERSION "\n");
+}
+
 TEST(Simulator, RefusesWrongOptions) {
   EXPECT_EQ(runSimulator({"--robots"}).exit_code, 1);
   const Finished unreadable = runSimulator({"--script", "/nowhere"});
@@ -261,13 +325,6 @@ TEST(StandardInput, ThatIsClosedIsAtItsEnd) {
 TEST(StandardStreams, ThatAreClosedAreNotReplacedByOtherFiles) {
   Pipe in;
   const pid_t simulator = spawn({"sh", "-c", "exec " MURLINK_SIMULATOR " --stay <&- >&- 2>&-"}, {},
-TEST(Simulator, PrintsItsVersion) {
-  const Finished finished = runSimulator({"--version"});
-
-  EXPECT_EQ(finished.exit_code, 0);
-  EXPECT_EQ(finished.out, "murlink-simulator " MURLINK_VERSION "\n");
-}
-
                                 {in.readEnd(), STDOUT_FILENO, STDERR_FILENO});
   EXPECT_TRUE(within10s(robotListens));
 
