@@ -100,7 +100,7 @@ class Session {
     peers_.history.addCall("setButtons", {}, {"call 1", {{"event", "call"}}});
     peers_.history.addCall("service_On", 9, {"call 2", {{"event", "call"}}});
     peers_.history.addPress({"press 1", {{"event", "press"}}});
-    addAllCommands(commands_, peers_, proxies_);
+    addAllCommands(commands_, peers_, proxies_, sides_);
   }
 
   bool closed() const { return commands_.closed(); }
@@ -127,6 +127,9 @@ class Session {
   StopSignal never_;
   Peers peers_{nowhere(), stop_};
   ProxyList proxies_;
+  Side robot_{"", {}};  // not played
+  Side display_{"", {}};
+  Sides sides_{robot_, display_};
   Commands commands_{never_};
 
   // What a command may change and what can be seen without another command.

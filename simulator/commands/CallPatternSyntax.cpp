@@ -30,7 +30,7 @@ CallPattern takeRpc(WordReader& words) {
   std::vector<std::string_view> names = robotRpcs();
   names.insert(names.end(), displayRpcs().begin(), displayRpcs().end());
   if (!contains(names, words.peek())) {
-    expected("an rpc (" + alternatives(names) + ", or any)", words.peek());
+    expectedOneOf("an rpc", names, words.peek(), ", or any");
   }
   return {std::string(words.take()), std::nullopt};
 }

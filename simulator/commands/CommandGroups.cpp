@@ -3,8 +3,9 @@
 
 namespace simulator {
 
-void addAllCommands(Commands& commands, Peers& peers, ProxyList& proxies) {
+void addAllCommands(Commands& commands, Peers& peers, ProxyList& proxies, Sides& sides) {
   addPeerCommands(commands, peers);
+  addSideCommands(commands, sides);
   addResetCommand(commands, peers, proxies);
   addRecogniserCommands(commands, peers);
   addProxyCommands(commands, proxies);

@@ -6,12 +6,14 @@
 #include "commands/Commands.h"
 #include "faults/ProxyList.h"
 #include "peers/Peers.h"
+#include "peers/Side.h"
 
 namespace simulator {
 
-void addAllCommands(Commands& commands, Peers& peers, ProxyList& proxies);
+void addAllCommands(Commands& commands, Peers& peers, ProxyList& proxies, Sides& sides);
 
-void addPeerCommands(Commands& commands, Peers& peers);  // when, clear, state, set, layout
+void addPeerCommands(Commands& commands, Peers& peers);  // when to layout
+void addSideCommands(Commands& commands, Sides& sides);  // down, up
 void addResetCommand(Commands& commands, Peers& peers, ProxyList& proxies);
 void addRecogniserCommands(Commands& commands, Peers& peers);   // press to callback
 void addProxyCommands(Commands& commands, ProxyList& proxies);  // proxy, fault

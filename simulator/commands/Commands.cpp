@@ -24,7 +24,7 @@ const Commands::Entry& Commands::find(std::string_view name) const {
     for (const Entry& entry : entries_) {
       names.push_back(entry.name);
     }
-    expected("a command (" + alternatives(names) + ")", name);
+    expectedOneOf("a command", names, name);
   }
   return *found;
 }

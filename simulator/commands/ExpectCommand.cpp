@@ -90,7 +90,7 @@ const Words<Expectation>& expectations() {
 Message expect(Peers& peers, WordReader& words) {
   const Expectation* const expectation = find(expectations(), words.peek());
   if (expectation == nullptr) {
-    expected("a value to check (" + alternatives(namesOf(expectations())) + ")", words.peek());
+    expectedOneOf("a value to check", namesOf(expectations()), words.peek());
   }
   words.take();
   return (*expectation)(peers, words);

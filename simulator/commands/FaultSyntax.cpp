@@ -22,7 +22,7 @@ Fault::Kind takeKind(WordReader& words) {
   if (const Fault::Kind* const kind = find(kinds(), word)) {
     return *kind;
   }
-  expected("a fault (" + alternatives(namesOf(kinds())) + ")", word);
+  expectedOneOf("a fault", namesOf(kinds()), word);
 }
 
 }  // namespace
@@ -33,7 +33,8 @@ Fault takeFault(WordReader& words) {
   if (fault.kind == Fault::Delay) {
     fault.time = parseDuration(words.take());
   } else if (fault.kind == Fault::Slow) {
-    fault.time = words.done() ? std::chrono::seconds(1) : parseDuration(words.take());
+    const bool timed = !words.done() && words.peek() != "on";
+    fault.time = timed ? parseDuration(words.take()) : std::chrono::seconds(1);
   } else if (fault.kind == Fault::Cut) {
     fault.bytes = static_cast<std::size_t>(parseAtLeast(0, words.take(), "a number of bytes"));
     fault.close = words.takeIf("close");

@@ -2,6 +2,7 @@
 #include <sstream>
 
 #include "commands/CommandGroups.h"
+#include "commands/Wrapped.h"
 
 namespace simulator {
 namespace {
@@ -14,7 +15,7 @@ Message help(const Commands& commands, WordReader& words) {
   const Commands::Entry* const only = name.empty() ? nullptr : &commands.find(name);
   for (const Commands::Entry& entry : commands.entries()) {
     if (only == nullptr || only == &entry) {
-      text << "  " << entry.usage << "\n      " << entry.help << "\n";
+      text << wrapped(entry.usage, 2, 10) << wrapped(entry.help, 6, 6);
       explanations.push_back({{"usage", entry.usage}, {"help", entry.help}});
     }
   }

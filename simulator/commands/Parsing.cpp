@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "commands/CommandError.h"
+#include "commands/Suggestion.h"
 #include "peers/Names.h"
 
 namespace simulator {
@@ -23,6 +24,11 @@ bool endsWith(std::string_view word, std::string_view suffix) {
   return word.size() >= suffix.size() && word.substr(word.size() - suffix.size()) == suffix;
 }
 
+std::string expectation(std::string_view what, std::string_view word) {
+  return "expected " + std::string(what) + ", found " +
+         (word.empty() ? "the end of the line" : "\"" + std::string(word) + "\"");
+}
+
 }  // namespace
 
 int parseFeature(std::string_view word) {
@@ -33,14 +39,14 @@ int parseFeature(std::string_view word) {
   if (readNumber(word, number)) {
     return number;
   }
-  expected("a feature (" + alternatives(namesOf(features())) + ", or a number)", word);
+  expectedOneOf("a feature", namesOf(features()), word, ", or a number");
 }
 
 State parseState(std::string_view word) {
   if (const State* state = find(states(), word)) {
     return *state;
   }
-  expected("a state (" + alternatives(namesOf(states())) + ")", word);
+  expectedOneOf("a state", namesOf(states()), word);
 }
 
 grpc::StatusCode parseFailure(std::string_view word) {
@@ -51,7 +57,7 @@ grpc::StatusCode parseFailure(std::string_view word) {
   if (readNumber(word, number) && number >= 1 && number <= 16) {
     return static_cast<grpc::StatusCode>(number);
   }
-  expected("a gRPC status (" + alternatives(namesOf(failures())) + ", or 1 to 16)", word);
+  expectedOneOf("a gRPC status", namesOf(failures()), word, ", or 1 to 16");
 }
 
 std::chrono::milliseconds parseDuration(std::string_view word) {
@@ -137,8 +143,15 @@ std::string alternatives(const std::vector<std::string_view>& words) {
 }
 
 void expected(std::string_view what, std::string_view word) {
-  throw SyntaxError("expected " + std::string(what) + ", found " +
-                    (word.empty() ? "the end of the line" : "\"" + std::string(word) + "\""));
+  throw SyntaxError(expectation(what, word));
+}
+
+void expectedOneOf(std::string_view what, const std::vector<std::string_view>& names,
+                   std::string_view word, std::string_view more) {
+  const std::string text = std::string(what) + " (" + alternatives(names) + std::string(more) + ")";
+  const std::string suggestion(suggestionFor(word, names));
+  throw SyntaxError(expectation(text, word) +
+                    (suggestion.empty() ? "" : ". Did you mean \"" + suggestion + "\"?"));
 }
 
 }  // namespace simulator

@@ -36,6 +36,9 @@ std::string alternatives(const std::vector<std::string_view>& words);
 
 // Throws SyntaxError: `what` was expected, `word` was found.
 [[noreturn]] void expected(std::string_view what, std::string_view word);
+// The same for a word out of `names`, of which it suggests one. `more` says what else is possible.
+[[noreturn]] void expectedOneOf(std::string_view what, const std::vector<std::string_view>& names,
+                                std::string_view word, std::string_view more = "");
 
 }  // namespace simulator
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <utility>
 
+#include "commands/CommandError.h"
 #include "commands/CommandGroups.h"
 #include "commands/Parsing.h"
 #include "commands/RuleSyntax.h"
@@ -19,6 +20,30 @@ Message when(Peers& peers, WordReader& words) {
 Message clear(Peers& peers, WordReader& words) {
   words.expectEnd();
   peers.rules.clear();
+  return ok();
+}
+
+Message showRules(Peers& peers, WordReader& words) {
+  words.expectEnd();
+  std::string lines;
+  std::vector<JsonObject> records;
+  for (const auto& [number, rule] : peers.rules.all()) {
+    lines += "  " + std::to_string(number) + "  " + describe(rule) + "\n";
+    records.push_back({{"number", number}, {"rule", describe(rule)}});
+  }
+  Message answer = ok(std::to_string(records.size()) + (records.size() == 1 ? " rule" : " rules"),
+                      {{"rules", records}});
+  answer.sentence = lines + answer.sentence;
+  return answer;
+}
+
+Message forget(Peers& peers, WordReader& words) {
+  const int number = parseAtLeast(1, words.take(), "the number of a rule");
+  words.expectEnd();
+  if (!peers.rules.remove(number)) {
+    throw CommandError("there is no rule " + std::to_string(number) +
+                       ": \"rules\" shows the numbers");
+  }
   return ok();
 }
 
@@ -62,6 +87,12 @@ void addPeerCommands(Commands& commands, Peers& peers) {
                 with(peers, when)});
   commands.add(
       {"clear", "clear", "Remove all rules: the peers answer as usual again.", with(peers, clear)});
+  commands.add({"rules", "rules",
+                "List the rules that \"when\" has set, with their numbers and how often they "
+                "still apply. The latest one that matches applies.",
+                with(peers, showRules)});
+  commands.add({"forget", "forget N", "Remove the rule of that number; the others keep theirs.",
+                with(peers, forget)});
   commands.add({"state", "state", "Show the state of every feature.", with(peers, state)});
   commands.add({"set", "set FEATURE off|on|running", "Set the state of a feature without a call.",
                 with(peers, set)});

@@ -20,7 +20,7 @@ Action takeAction(WordReader& words) {
   } else if (words.takeIf("fail")) {
     action.fail = parseFailure(words.take());
   } else if (action.wait.count() == 0) {
-    expected("an action (wait, answer, fail or never)", words.peek());
+    expectedOneOf("an action", {"wait", "answer", "fail", "never"}, words.peek());
   }
   return action;
 }

@@ -8,7 +8,7 @@
 
 namespace simulator {
 
-// The reason given when the signal interrupts a command or a call.
+// The reason given when the signal interrupts a command.
 constexpr const char* kShuttingDown = "the simulator is shutting down";
 
 // Raised once, when the simulator shuts down, to interrupt everything that waits. Thread-safe.

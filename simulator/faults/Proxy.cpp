@@ -31,6 +31,11 @@ Proxy::~Proxy() {
   close(wake_);
 }
 
+Fault Proxy::fault() const {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return requested_fault_;
+}
+
 void Proxy::set(const Fault& fault) {
   std::unique_lock<std::mutex> lock(mutex_);
   requested_fault_ = fault;

@@ -37,6 +37,8 @@ class Proxy {
   // The number of connections accepted so far.
   int accepted() const { return accepted_; }
 
+  // The one that was set last.
+  Fault fault() const;
   // Applies the fault to open and new connections. In effect when it returns.
   void set(const Fault& fault);
 
@@ -48,7 +50,7 @@ class Proxy {
   const std::string address_;
   std::atomic<int> accepted_{0};
 
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable changed_;
   Fault requested_fault_;
   int requests_ = 0;

@@ -10,15 +10,19 @@
 
 namespace simulator {
 
-// All proxies of the simulator; one fault applies to all of them. For one thread only.
+// All proxies of the simulator, which share a fault or have one of their own. For one thread only.
 class ProxyList {
  public:
   // Returns the address that the new proxy listens on. Throws std::system_error.
   const std::string& add(const std::string& address, const std::string& peer);
   // Ends all proxies and the fault.
   void clear();
+  // For all proxies, also those that are added later.
   void set(const Fault& fault);
+  // For one proxy, until the next fault for it or for all; false when none listens on `address`.
+  bool set(const Fault& fault, const std::string& address);
 
+  // The one for all proxies.
   const Fault& fault() const { return fault_; }
   const std::list<Proxy>& all() const { return proxies_; }
 

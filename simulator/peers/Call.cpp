@@ -44,7 +44,7 @@ Reply fail(grpc::StatusCode status, const std::string& why) {
 }
 
 Reply shuttingDown() {
-  return fail(grpc::StatusCode::UNAVAILABLE, kShuttingDown);
+  return fail(grpc::StatusCode::UNAVAILABLE, "this side is shutting down");
 }
 
 // Waits until the caller gives up.
@@ -94,8 +94,8 @@ Message replyEvent(int number, const Call& call, const Message& reply) {
 
 }  // namespace
 
-grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& context,
-                    StatusResponse& response) {
+grpc::Status handle(Peers& peers, StopSignal& stop, const Call& call,
+                    const grpc::ServerContext& context, StatusResponse& response) {
   const int number = ++peers.calls;
   const Action action = peers.rules.take(call.rpc, call.feature);
   const EventClock& clock = peers.output.clock();
@@ -108,7 +108,7 @@ grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& c
   if (!at_once) {
     peers.history.addCall(call.rpc, call.feature, arrival);
   }
-  const Reply reply = react(call, action, peers.stop, context, response);
+  const Reply reply = react(call, action, stop, context, response);
   if (at_once) {
     peers.history.addCall(call.rpc, call.feature, arrival);
   }

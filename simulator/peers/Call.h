@@ -30,8 +30,9 @@ struct Call {
 };
 
 // Prints the call, answers it by the matching rule or else by its `behave`, and prints the reply.
-grpc::Status handle(Peers& peers, const Call& call, const grpc::ServerContext& context,
-                    StatusResponse& response);
+// `stop` interrupts the waiting of a rule.
+grpc::Status handle(Peers& peers, StopSignal& stop, const Call& call,
+                    const grpc::ServerContext& context, StatusResponse& response);
 
 }  // namespace simulator
 

@@ -24,7 +24,7 @@ std::string drawingOf(const Layout& layout) {
 
 class DisplayService final : public zet::protobuf::app::Quarlo_TV_GRPC::Service {
  public:
-  explicit DisplayService(Peers& peers) : peers_(peers) {}
+  DisplayService(Peers& peers, StopSignal& stop) : peers_(peers), stop_(stop) {}
 
   grpc::Status setFootTouchAPIServerAddress(grpc::ServerContext* context,
                                             const StringMessage* request,
@@ -35,7 +35,7 @@ class DisplayService final : public zet::protobuf::app::Quarlo_TV_GRPC::Service 
       peers_.display.setAddress(request->s());
       return 0;
     };
-    return handle(peers_, call, *context, *response);
+    return handle(peers_, stop_, call, *context, *response);
   }
 
   grpc::Status setButtons(grpc::ServerContext* context, const zet::protobuf::app::Buttons* request,
@@ -47,16 +47,17 @@ class DisplayService final : public zet::protobuf::app::Quarlo_TV_GRPC::Service 
       peers_.display.setLayout(layout);
       return 0;
     };
-    return handle(peers_, call, *context, *response);
+    return handle(peers_, stop_, call, *context, *response);
   }
 
  private:
   Peers& peers_;
+  StopSignal& stop_;
 };
 
 }  // namespace
 
-DisplaySide::DisplaySide(const std::string& address, Peers& peers)
-    : PeerServer(address, std::make_unique<DisplayService>(peers)) {}
+DisplaySide::DisplaySide(const std::string& address, Peers& peers, StopSignal& stop)
+    : PeerServer(address, std::make_unique<DisplayService>(peers, stop)) {}
 
 }  // namespace simulator

@@ -10,8 +10,9 @@ namespace simulator {
 // Serves the calls to the display side. Only the two rpcs that the library uses are implemented.
 class DisplaySide final : public PeerServer {
  public:
-  // `address` is as for PeerServer; `peers` must outlive this object. Throws CannotListen.
-  DisplaySide(const std::string& address, Peers& peers);
+  // `address` is as for PeerServer. `peers` must outlive this object, and so must `stop`, which
+  // interrupts calls that wait. Throws CannotListen.
+  DisplaySide(const std::string& address, Peers& peers, StopSignal& stop);
 };
 
 }  // namespace simulator

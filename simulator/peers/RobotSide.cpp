@@ -10,7 +10,7 @@ namespace {
 
 class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
  public:
-  explicit RobotService(Peers& peers) : peers_(peers) {}
+  RobotService(Peers& peers, StopSignal& stop) : peers_(peers), stop_(stop) {}
 
   grpc::Status service_On(grpc::ServerContext* context, const IntMessage* request,
                           StatusResponse* response) override {
@@ -34,6 +34,7 @@ class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
 
  private:
   Peers& peers_;
+  StopSignal& stop_;
 
   grpc::Status serve(const char* rpc, const grpc::ServerContext& context, int feature,
                      StatusResponse& response) {
@@ -50,13 +51,13 @@ class RobotService final : public zet::protobuf::app::Quarlo_RB_GRPC::Service {
       return Message{", " + name + " is " + std::string(stateName(*state)),
                      {{"state", stateName(*state)}}};
     };
-    return handle(peers_, call, context, response);
+    return handle(peers_, stop_, call, context, response);
   }
 };
 
 }  // namespace
 
-RobotSide::RobotSide(const std::string& address, Peers& peers)
-    : PeerServer(address, std::make_unique<RobotService>(peers)) {}
+RobotSide::RobotSide(const std::string& address, Peers& peers, StopSignal& stop)
+    : PeerServer(address, std::make_unique<RobotService>(peers, stop)) {}
 
 }  // namespace simulator

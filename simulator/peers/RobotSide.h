@@ -10,8 +10,9 @@ namespace simulator {
 // Serves the calls to the robot side.
 class RobotSide final : public PeerServer {
  public:
-  // `address` is as for PeerServer; `peers` must outlive this object. Throws CannotListen.
-  RobotSide(const std::string& address, Peers& peers);
+  // `address` is as for PeerServer. `peers` must outlive this object, and so must `stop`, which
+  // interrupts calls that wait. Throws CannotListen.
+  RobotSide(const std::string& address, Peers& peers, StopSignal& stop);
 };
 
 }  // namespace simulator

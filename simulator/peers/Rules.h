@@ -28,18 +28,29 @@ struct Rule {
   std::optional<int> times;  // absent: unlimited
 };
 
-// The rules that were added with "when". Any thread may use them.
+// The rules that were added with "when", with numbers that never change. Any thread may use them.
 class Rules {
  public:
+  struct Numbered {
+    int number;  // 1 for the first one after clear()
+    Rule rule;
+  };
+
   void add(Rule rule);
+  // Removes all; the next rule has number 1.
   void clear();
+  // Removes one; false when there is none of that number.
+  bool remove(int number);
+  // Oldest first; `times` says how often a rule still applies.
+  std::vector<Numbered> all();
   // The action for a call that has arrived. The latest matching rule applies; it is removed
   // once it has applied its number of times.
   Action take(std::string_view rpc, std::optional<int> feature);
 
  private:
   std::mutex mutex_;
-  std::vector<Rule> rules_;
+  std::vector<Numbered> rules_;
+  int last_number_ = 0;
 };
 
 }  // namespace simulator

@@ -71,22 +71,22 @@ Script openScript(const std::string& path) {
   return script;
 }
 
-// Null when the side is not played.
-template <typename Side>
-std::unique_ptr<PeerServer> start(const std::string& address, Peers& peers) {
-  return address == kOff ? nullptr : std::make_unique<Side>(address, peers);
+template <typename Server>
+Side start(const std::string& address, Peers& peers) {
+  return Side(address == kOff ? "" : address, [&peers](const std::string& on, StopSignal& stop) {
+    return std::make_unique<Server>(on, peers, stop);
+  });
 }
 
-void printReady(Output& output, const char* side, const PeerServer* server) {
-  if (server != nullptr) {
+void printReady(Output& output, const char* name, const Side& side) {
+  if (side.isPlayed()) {
     output.printAnswer(output.clock().stamped(
-        {std::string(side) + " side ready on " + server->address(),
-         {{"event", "ready"}, {"side", side}, {"address", server->address()}}}));
+        {std::string(name) + " side ready on " + side.address(),
+         {{"event", "ready"}, {"side", name}, {"address", side.address()}}}));
   }
 }
 
-// Interrupts everything that waits when the scope ends: a server can only shut down once its handlers
-// have returned.
+// Interrupts everything that waits when the scope ends.
 class StopAtEnd {
  public:
   explicit StopAtEnd(StopSignal& stop) : stop_(stop) {}
@@ -102,14 +102,15 @@ class StopAtEnd {
 ExitCode play(const Options& options, std::FILE* script, Output& output, StopSignal& stop) {
   Peers peers{output, stop};
   ProxyList proxies;
-  const auto robot = start<RobotSide>(options.robot, peers);
-  const auto display = start<DisplaySide>(options.display, peers);
+  Side robot = start<RobotSide>(options.robot, peers);
+  Side display = start<DisplaySide>(options.display, peers);
+  Sides sides{robot, display};
   const StopAtEnd stop_at_end(stop);
-  printReady(output, "robot", robot.get());
-  printReady(output, "display", display.get());
+  printReady(output, "robot", robot);
+  printReady(output, "display", display);
 
   Commands commands(stop);
-  addAllCommands(commands, peers, proxies);
+  addAllCommands(commands, peers, proxies, sides);
   if (script != nullptr) {
     execute(fileno(script), commands, output, stop);
   }

@@ -58,7 +58,7 @@ TEST(Help, ExplainsEveryCommand) {
 
   const Json commands = robot.command("help").at("commands");
 
-  EXPECT_EQ(commands.size(), 22U);
+  EXPECT_EQ(commands.size(), 26U);
   for (const Json& command : commands) {
     EXPECT_FALSE(command.at("usage").get<std::string>().empty());
     EXPECT_THAT(command.at("help"), EndsWith("."));
@@ -74,6 +74,14 @@ TEST(Help, ExplainsOneCommand) {
   EXPECT_EQ(commands[0].at("usage"), "set FEATURE off|on|running");
 }
 
+TEST(Help, FitsInto80Columns) {
+  std::istringstream text(runScript("help\n").out);
+
+  for (std::string line; std::getline(text, line);) {
+    EXPECT_LE(line.size(), 80U) << line;
+  }
+}
+
 TEST(TextOutput, HasOneLinePerAnswer) {
   const Finished finished = runScript(
       "# a comment\n"
@@ -85,13 +93,15 @@ TEST(TextOutput, HasOneLinePerAnswer) {
       "state",  // the last line may lack its newline
       "127.0.0.1:0");
 
-  EXPECT_THAT(finished.out,
-              MatchesRegex(kTime + "robot side ready on 127\\.0\\.0\\.1:[0-9]+\n"
-                                   "ok when service_On gesture wait 1\\.5s answer 3 once\n"
-                                   "ok when any any never always\n"
-                                   "error: expected a command \\(.*\\), found \"wehn\"\n"
-                                   "ok 9 on\n"
-                                   "ok gesture off, foot-touch off, 9 on\n"));
+  EXPECT_THAT(
+      finished.out,
+      MatchesRegex(
+          kTime + "robot side ready on 127\\.0\\.0\\.1:[0-9]+\n"
+                  "ok when service_On gesture wait 1\\.5s answer 3 once\n"
+                  "ok when any any never always\n"
+                  "error: expected a command \\(.*\\), found \"wehn\"\\. Did you mean \"when\"\\?\n"
+                  "ok 9 on\n"
+                  "ok gesture off, foot-touch off, 9 on\n"));
 }
 
 TEST(TextOutput, EscapesControlCharactersInWords) {

@@ -92,7 +92,7 @@ std::string printedDuring(const std::function<void(SimulatorClient&)>& call) {
     simulator::StopSignal stop;
     simulator::Output output(pipe.writeEnd(), stop, {});
     simulator::Peers peers{output, stop};
-    const simulator::DisplaySide display("127.0.0.2:0", peers);
+    const simulator::DisplaySide display("127.0.0.2:0", peers, stop);
     SimulatorClient library(display.address());
     call(library);
   }

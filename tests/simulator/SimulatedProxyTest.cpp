@@ -152,6 +152,34 @@ TEST_F(SimulatedProxy, IsListedWithItsFault) {
   EXPECT_EQ(shown.at("proxies").at(0).at("peer"), simulator.address("display"));
 }
 
+TEST_F(SimulatedProxy, MayHaveAFaultOfItsOwn) {
+  const std::string other =
+      simulator.command("proxy 127.0.0.2:0 to " + simulator.address("display")).at("address");
+
+  EXPECT_EQ(simulator.command("fault refuse on " + other).at("address"), other);
+
+  EXPECT_EQ(SimulatorClient(other).setButtons({}), kUnavailable);
+  EXPECT_EQ(call(), kDone);
+  const auto shown = simulator.command("proxy");
+  EXPECT_EQ(shown.at("fault"), "none");
+  EXPECT_EQ(shown.at("proxies").at(0).at("fault"), "none");
+  EXPECT_EQ(shown.at("proxies").at(1).at("fault"), "refuse");
+}
+
+TEST_F(SimulatedProxy, LosesItsOwnFaultToTheNextOneForAll) {
+  simulator.command("fault slow on " + proxy);
+  EXPECT_EQ(simulator.command("proxy").at("proxies").at(0).at("fault"), "slow 1s");
+
+  simulator.command("fault none");
+
+  EXPECT_EQ(call(), kDone);
+}
+
+TEST_F(SimulatedProxy, ThatDoesNotExistCannotHaveAFault) {
+  EXPECT_EQ(simulator.refusal("fault silent on 127.0.0.1:1"),
+            "there is no proxy on 127.0.0.1:1: \"proxy\" lists them");
+}
+
 TEST_F(SimulatedProxy, AppliesTheFaultToProxiesAddedLater) {
   simulator.command("fault refuse");
   const std::string later =

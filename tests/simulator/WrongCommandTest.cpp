@@ -33,11 +33,12 @@ TEST_P(WrongCommand, IsRefusedWithWhatWasExpectedAndChangesNothing) {
   EXPECT_TRUE(proxies.at("proxies").empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(General, WrongCommand,
-                         ::testing::Values(Row{"Unknown", "wehn",
-                                               "expected a command (when, clear, state"},
-                                           Row{"HelpOnNothing", "help me", "expected a command"}),
-                         rowName<Row>);
+INSTANTIATE_TEST_SUITE_P(
+    General, WrongCommand,
+    ::testing::Values(Row{"Unknown", "wehn", "expected a command (when, clear, rules"},
+                      Row{"HelpOnNothing", "help me", "expected a command"},
+                      Row{"Misspelt", "sate", "found \"sate\". Did you mean \"state\"?"}),
+    rowName<Row>);
 
 INSTANTIATE_TEST_SUITE_P(
     Peers, WrongCommand,
@@ -59,6 +60,17 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"WhenWithoutTimes", "when any any never 2", "expected \"times\""},
         Row{"WhenWithMore", "when any any never once more", "expected the end of the line"},
         Row{"SetWithWrongState", "set gesture half", "expected a state (off, on or running)"},
+        Row{"WhenWithMisspeltRpc", "when servce_on any never", "Did you mean \"service_On\"?"},
+        Row{"WhenWithMisspeltAction", "when any any anwser 1", "Did you mean \"answer\"?"},
+        Row{"WhenWithMisspeltStatus", "when any any fail unavailable",
+            "Did you mean \"UNAVAILABLE\"?"},
+        Row{"SetWithMisspeltFeature", "set foottouch on", "Did you mean \"foot-touch\"?"},
+        Row{"SetWithMisspeltState", "set gesture runing", "Did you mean \"running\"?"},
+        Row{"RulesWithMore", "rules 1", "expected the end of the line"},
+        Row{"ForgetNothing", "forget", "expected the number of a rule, 1 or more"},
+        Row{"DownWithoutSide", "down", "expected a side (robot or display), found the end"},
+        Row{"UpWithMisspeltSide", "up robt", "Did you mean \"robot\"?"},
+        Row{"UpWithMore", "up robot now", "expected the end of the line"},
         Row{"ClearWithMore", "clear all", "expected the end of the line"}),
     rowName<Row>);
 
@@ -87,6 +99,9 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"DelayWithoutTime", "fault delay", "expected a duration"},
         Row{"DelayOfNan", "fault delay nanms", "expected a duration"},
         Row{"SlowNan", "fault slow nans", "expected a duration"},
+        Row{"MisspeltFault", "fault silnet", "Did you mean \"silent\"?"},
+        Row{"FaultOnNothing", "fault silent on", "expected HOST:PORT"},
+        Row{"SlowOnNothing", "fault slow on", "expected HOST:PORT"},
         Row{"CutWithoutBytes", "fault cut close", "expected a number of bytes, 0 or more"}),
     rowName<Row>);
 
@@ -105,6 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"PauseForAHugeTime", "pause 1e400s", "expected a duration"},
         Row{"ExpectWithoutSubject", "expect",
             "expected a value to check (state, calls, buttons, address or s)"},
+        Row{"ExpectMisspeltSubject", "expect adress none", "Did you mean \"address\"?"},
         Row{"ExpectWithWrongCount", "expect calls -1", "a number of calls, 0 or more"},
         Row{"ExpectWithWrongButton", "expect buttons one", "expected the id of a button"},
         Row{"ExpectWithWrongAddress", "expect address here", "expected HOST:PORT"},
