@@ -24,14 +24,9 @@ Output::~Output() {
 }
 
 void Output::printAnswer(const Message& answer) {
-  constexpr std::size_t kMaxAnswerBytes = 1 << 20;
   std::string line = lineOf(answer);
-  std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return lines_.answerBytes() < kMaxAnswerBytes || closed_; });
-  if (!closed_) {
-    lines_.addAnswer(std::move(line));
-    changed_.notify_all();
-  }
+  waitForRoom();
+  show(std::move(line));
 }
 
 void Output::printEvent(const Message& event) {
@@ -39,11 +34,25 @@ void Output::printEvent(const Message& event) {
     return;
   }
   std::string line = lineOf(event);
+  if (edited_line_ == nullptr) {
+    addEvent(std::move(line));
+  } else {
+    edited_line_->printAbove(line, [this](std::string text) { addEvent(std::move(text)); });
+  }
+}
+
+void Output::show(std::string text) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!closed_) {
-    lines_.addEvent(std::move(line));
+  if (!closed_ && !text.empty()) {
+    lines_.addAnswer(std::move(text));
     changed_.notify_all();
   }
+}
+
+void Output::waitForRoom() {
+  constexpr std::size_t kMaxAnswerBytes = 1 << 20;
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait(lock, [this] { return lines_.answerBytes() < kMaxAnswerBytes || closed_; });
 }
 
 std::optional<int> Output::finish() {
@@ -64,6 +73,14 @@ std::string Output::lineOf(const Message& message) const {
          "\n";
 }
 
+void Output::addEvent(std::string line) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  if (!closed_) {
+    lines_.addEvent(std::move(line));
+    changed_.notify_all();
+  }
+}
+
 void Output::writeAll() {
   while (const auto line = takeLine()) {
     if (const auto result = writer_.write(*line); result != FileWriter::Result::Written) {
@@ -81,7 +98,9 @@ std::optional<std::string> Output::takeLine() {
     return std::nullopt;
   }
   if (const std::size_t dropped = lines_.takeDropped(); dropped > 0) {
-    return lineOf(clock_.stamped(droppedEvents(dropped)));
+    // On a terminal it overwrites the edited line, which the next event shows again.
+    return (edited_line_ == nullptr ? "" : "\r\x1b[J") +
+           lineOf(clock_.stamped(droppedEvents(dropped)));
   }
   std::string line = lines_.take();
   changed_.notify_all();  // there may be room for an answer

@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "common/EditedLine.h"
 #include "common/EventClock.h"
 #include "common/FileWriter.h"
 #include "common/LineQueue.h"
@@ -47,6 +48,12 @@ class Output {
   // Never waits.
   void printEvent(const Message& event);
 
+  // Events are printed above this line; null for none. Not while another thread uses the output.
+  void setEditedLine(EditedLine* line) { edited_line_ = line; }
+  // Text for the terminal, never dropped. Does not wait: waitForRoom() does, as printAnswer().
+  void show(std::string text);
+  void waitForRoom();
+
   // Writes what still waits; after `interrupt` for FileWriter::kGrace at most. Prints nothing more.
   // Returns the errno when the descriptor could not be written to; a reader that left is no failure.
   std::optional<int> finish();
@@ -54,6 +61,7 @@ class Output {
  private:
   const Options options_;
   const EventClock clock_;
+  EditedLine* edited_line_ = nullptr;
   std::mutex mutex_;
   std::condition_variable changed_;
   LineQueue lines_{kMaxEvents};
@@ -63,6 +71,7 @@ class Output {
   std::thread thread_;
 
   std::string lineOf(const Message& message) const;
+  void addEvent(std::string line);
   void writeAll();
   std::optional<std::string> takeLine();
   void stopWriting(FileWriter::Result result);

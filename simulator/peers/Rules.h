@@ -32,7 +32,7 @@ struct Rule {
 class Rules {
  public:
   struct Numbered {
-    int number;  // 1 for the first one after clear()
+    int number = 0;  // 1 for the first one after clear()
     Rule rule;
   };
 

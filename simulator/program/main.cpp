@@ -12,7 +12,10 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "commands/CommandGroups.h"
 #include "common/Output.h"
@@ -20,6 +23,7 @@
 #include "common/StopSignal.h"
 #include "peers/DisplaySide.h"
 #include "peers/RobotSide.h"
+#include "program/LineEditor.h"
 #include "program/LineInput.h"
 #include "program/Options.h"
 #include "program/SignalWatch.h"
@@ -36,8 +40,8 @@ std::optional<Message> answerTo(const LineInput::Line& line, Commands& commands)
   return commands.execute(line.text);
 }
 
-void execute(int descriptor, Commands& commands, Output& output, StopSignal& stop) {
-  LineInput input(descriptor, stop);
+template <typename Input>
+void execute(Input&& input, Commands& commands, Output& output) {
   while (!commands.closed()) {
     const auto line = input.next();
     if (!line) {
@@ -98,8 +102,31 @@ class StopAtEnd {
   StopSignal& stop_;
 };
 
+// Whether a person types the commands. Scripts and programs get plain lines.
+bool isInteractive(const Options& options) {
+  const char* const terminal =
+      std::getenv("TERM");  // NOLINT(concurrency-mt-unsafe): nobody sets it
+  return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1 && !options.json &&
+         options.script.empty() && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+// Reads commands from the terminal, or else from standard input.
+void executeInput(LineEditor* editor, Commands& commands, Output& output, StopSignal& stop) {
+  if (editor == nullptr) {
+    execute(LineInput(STDIN_FILENO, stop), commands, output);
+    return;
+  }
+  editor->completeWith([&commands](std::string_view line) { return complete(commands, line); });
+  output.printAnswer({"type help for the commands, Ctrl-D to end", {}});
+  execute(*editor, commands, output);
+}
+
 // Plays the peers until the end of the input, "quit" or the stop signal.
 ExitCode play(const Options& options, std::FILE* script, Output& output, StopSignal& stop) {
+  std::optional<LineEditor> editor;
+  if (isInteractive(options)) {
+    editor.emplace(output, stop);
+  }
   Peers peers{output, stop};
   ProxyList proxies;
   Side robot = start<RobotSide>(options.robot, peers);
@@ -112,9 +139,9 @@ ExitCode play(const Options& options, std::FILE* script, Output& output, StopSig
   Commands commands(stop);
   addAllCommands(commands, peers, proxies, sides);
   if (script != nullptr) {
-    execute(fileno(script), commands, output, stop);
+    execute(LineInput(fileno(script), stop), commands, output);
   }
-  execute(STDIN_FILENO, commands, output, stop);
+  executeInput(editor ? &*editor : nullptr, commands, output, stop);
   if (options.stay && !commands.closed()) {
     while (stop.sleep(std::chrono::hours(1))) {
     }
@@ -137,8 +164,12 @@ void finish(Output& output) {
 ExitCode run(const Options& options) {
   const Script script = openScript(options.script);
   StopSignal stop;       // at any end
-  StopSignal interrupt;  // only at an end by SIGTERM or SIGINT: what was printed may be lost
-  const SignalWatch watch([&] {
+  StopSignal interrupt;  // only at an end by a signal: what was printed may be lost
+  std::vector<int> signals{SIGTERM, SIGINT};
+  if (isInteractive(options)) {
+    signals.insert(signals.end(), {SIGHUP, SIGQUIT});  // the terminal must be restored
+  }
+  const SignalWatch watch(signals, [&] {
     interrupt.raise();
     stop.raise();
   });
