@@ -89,8 +89,9 @@ LineEditor::LineEditor(Output& output, StopSignal& stop)
   el_set(editor_, EL_PROMPT, prompt);
   el_set(
       editor_, EL_GETCFN, +[](EditLine* editor, wchar_t* key) { return of(editor).readKey(*key); });
-  el_set(
-      editor_, EL_ADDFN, "complete", "complete the word",
+  // The narrow form of this call leaks copies of both texts.
+  el_wset(
+      editor_, EL_ADDFN, L"complete", L"complete the word",
       +[](EditLine* editor, int) { return of(editor).completeWord(); });
   el_set(editor_, EL_BIND, "\t", "complete", nullptr);
   history_.attachTo(editor_);
