@@ -17,6 +17,7 @@ namespace simulator {
 namespace {
 
 constexpr int kPromptWidth = 2;  // of "> "
+constexpr char kCtrlD = 4;
 
 // A stream that adds what is written to a string.
 std::FILE* openString(std::string& text) {
@@ -159,6 +160,9 @@ int LineEditor::readKey(wchar_t& key) {
     }
     if (length < 0) {
       continue;
+    }
+    if (byte == 0) {
+      byte = kCtrlD;  // typed between two lines, when the terminal is in its usual mode
     }
     const std::size_t result = std::mbrtowc(&key, &byte, 1, &partial_character_);
     if (result <= 1) {

@@ -175,6 +175,14 @@ TEST_F(Terminal, IsRestoredAtTheEndOfTheInput) {
   EXPECT_TRUE(session.isInItsFirstMode());
 }
 
+TEST_F(Terminal, EndsTheInputByCtrlDWhileACommandRuns) {
+  session.type("pause 300ms\r");
+  session.readUntil("pause 300ms\r\n");
+  session.type(kCtrlD);
+
+  EXPECT_EQ(session.waitForEnd(), 0);
+}
+
 TEST_F(Terminal, IsRestoredAfterQuit) {
   session.type("quit\r");
 
