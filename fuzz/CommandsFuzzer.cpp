@@ -18,7 +18,7 @@
 #include "Finding.h"
 #include "commands/CommandGroups.h"
 #include "program/LineInput.h"
-#include "support/TestProcess.h"
+#include "support/OwnNetwork.h"
 
 namespace fuzz {
 namespace {
@@ -147,11 +147,6 @@ class Session {
 
 }  // namespace
 }  // namespace fuzz
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  prepareTestProcess();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   const fuzz::InputFile file(bytes, size);

@@ -15,7 +15,6 @@
 #include "WireReader.h"
 #include "support/LogCapture.h"
 #include "support/RawPeer.h"
-#include "support/TestProcess.h"
 
 namespace fuzz {
 namespace {
@@ -172,11 +171,6 @@ void decode(unsigned call, const std::string& bytes) {
 
 }  // namespace
 }  // namespace fuzz
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  prepareTestProcess();
-  return 0;
-}
 
 // The first byte selects the direction and the call, the others are sent.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {

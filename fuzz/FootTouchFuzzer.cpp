@@ -17,7 +17,6 @@
 #include "support/LogCapture.h"
 #include "support/PressClient.h"
 #include "support/RawPeer.h"
-#include "support/TestProcess.h"
 
 namespace fuzz {
 namespace {
@@ -231,11 +230,6 @@ void Session::press() {
 
 }  // namespace
 }  // namespace fuzz
-
-extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-  prepareTestProcess();
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
   // Never destroyed: gRPC's threads may outlive main().
